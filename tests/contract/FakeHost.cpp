@@ -1,0 +1,318 @@
+#include "FakeHost.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+namespace TevTest {
+
+namespace {
+
+FakeHost* current = nullptr;
+
+// Handles are not addresses or plain indices, so that a component that mixes them up is found out.
+constexpr std::uint64_t momBase = 0x100000000000;
+constexpr std::uint64_t propertiesBase = 0x200000000000;
+
+std::string shown(const char* text) {
+    return text == nullptr ? "null" : text;
+}
+
+}  // namespace
+
+/// The tables and the functions in them.
+struct FakeHost::Tables {
+    static void* getPortal(const char* version) {
+        const TevReturnT fault = current->note("getPortal", version);
+        return fault == TevReturnOk && current->hasPortal && std::strcmp(version, "3") == 0 ? &portal : nullptr;
+    }
+
+    static TevReturnT getInterface(const char* componentName, const char* interfaceName, const char* version,
+                                   void** result) {
+        *result = nullptr;
+        if (const TevReturnT fault = current->note(
+                "getInterface", shown(componentName) + "," + shown(interfaceName) + "," + shown(version))) {
+            return fault;
+        }
+        for (DalMgmtSpiInterface_1* table :
+             {&transaction.base, &threadContext.base, &repository.base, &extension.base, &router.base}) {
+            if (std::strcmp(table->componentName, componentName) == 0 &&
+                std::strcmp(table->interfaceName, interfaceName) == 0 &&
+                std::strcmp(table->interfaceVersion, version) == 0 && current->withdrawn.count(interfaceName) == 0) {
+                *result = table;
+                return TevReturnOk;
+            }
+        }
+        return TevReturnNotFound;
+    }
+
+    static TevReturnT registerComponent(DalMgmtSpiComponent_2* component) {
+        const TevReturnT fault = current->note("registerComponent", component->base.componentName);
+        if (fault == TevReturnOk) {
+            current->registered = component;
+        }
+        return fault;
+    }
+
+    static TevReturnT unregisterComponent(DalMgmtSpiComponent_2* component) {
+        const TevReturnT fault = current->note("unregisterComponent", component->base.componentName);
+        if (fault == TevReturnOk) {
+            current->registered = nullptr;
+        }
+        return fault;
+    }
+
+    static TevReturnT registerParticipant(unsigned long txHandle, DalOamSpiTransactionalResource_2* participant) {
+        if (const TevReturnT fault = current->note("registerParticipant", std::to_string(txHandle))) {
+            return fault;
+        }
+        const std::lock_guard<std::mutex> lock(current->mutex);
+        auto& participants = current->joined[txHandle];
+        if (std::find(participants.begin(), participants.end(), participant) == participants.end()) {
+            participants.push_back(participant);
+        }
+        return TevReturnOk;
+    }
+
+    static TevReturnT addMessage(std::int32_t category, const char* text) {
+        if (const TevReturnT fault = current->note("addMessage", std::to_string(category) + "," + shown(text))) {
+            return fault;
+        }
+        const std::lock_guard<std::mutex> lock(current->mutex);
+        current->posted.emplace_back(category, text);
+        return TevReturnOk;
+    }
+
+    static TevReturnT getFirstMom(DalOamSpiMrMomHandle_4T* mom) {
+        if (const TevReturnT fault = current->note("getFirstMom")) {
+            return fault;
+        }
+        *mom = momBase;
+        return current->models.empty() ? TevReturnNotFound : TevReturnOk;
+    }
+
+    static TevReturnT getNextMom(DalOamSpiMrMomHandle_4T mom, DalOamSpiMrMomHandle_4T* next) {
+        if (const TevReturnT fault = current->note("getNextMom", current->model(mom - momBase).name)) {
+            return fault;
+        }
+        *next = mom + 1;
+        return *next - momBase < current->models.size() ? TevReturnOk : TevReturnNotFound;
+    }
+
+    static TevReturnT getMomGeneralProperties(DalOamSpiMrMomHandle_4T mom,
+                                              DalOamSpiMrGeneralPropertiesHandle_4T* properties) {
+        const TevReturnT fault = current->note("getMomGeneralProperties", current->model(mom - momBase).name);
+        if (fault == TevReturnOk) {
+            *properties = mom - momBase + propertiesBase;
+        }
+        return fault;
+    }
+
+    static TevReturnT getMomStringProperty(DalOamSpiMrMomHandle_4T mom, std::int32_t selector, const char** result) {
+        const FakeModel& model = current->model(mom - momBase);
+        if (const TevReturnT fault =
+                current->note("getMomStringProperty", model.name + "," + std::to_string(selector))) {
+            return fault;
+        }
+        const std::optional<std::string>* text = selector == DalOamSpiMrMomVersion      ? &model.version
+                                                 : selector == DalOamSpiMrMomRelease    ? &model.release
+                                                 : selector == DalOamSpiMrMomCorrection ? &model.correction
+                                                                                        : nullptr;
+        if (text == nullptr) {
+            return TevReturnInvalidArgument;
+        }
+        *result = text->has_value() ? text->value().c_str() : nullptr;
+        return TevReturnOk;
+    }
+
+    static TevReturnT getMomFeatureNames(DalOamSpiMrMomHandle_4T mom, const char*** result) {
+        const FakeModel& model = current->model(mom - momBase);
+        if (const TevReturnT fault = current->note("getMomFeatureNames", model.name)) {
+            return fault;
+        }
+        *result = nullptr;
+        if (model.features) {
+            *result = new const char*[model.features->size() + 1];
+            const char** entry = *result;
+            for (const std::string& feature : *model.features) {
+                *entry++ = strdup(feature.c_str());
+            }
+            *entry = nullptr;
+        }
+        return TevReturnOk;
+    }
+
+    static TevReturnT getGeneralStringProperty(DalOamSpiMrGeneralPropertiesHandle_4T properties, std::int32_t selector,
+                                               const char** result) {
+        const FakeModel& model = current->model(properties - propertiesBase);
+        if (const TevReturnT fault =
+                current->note("getGeneralStringProperty", model.name + "," + std::to_string(selector))) {
+            return fault;
+        }
+        *result = model.name.c_str();
+        return selector == DalOamSpiMrGeneralName ? TevReturnOk : TevReturnInvalidArgument;
+    }
+
+    static TevReturnT getGeneralDomainValue(DalOamSpiMrGeneralPropertiesHandle_4T properties, const char* domain,
+                                            const char* key, const char** result) {
+        const FakeModel& model = current->model(properties - propertiesBase);
+        if (const TevReturnT fault =
+                current->note("getGeneralDomainValue", model.name + "," + shown(domain) + "," + shown(key))) {
+            return fault;
+        }
+        const auto found = model.orva.find(key);
+        if (std::strcmp(domain, "ORVA") != 0 || found == model.orva.end()) {
+            return TevReturnNotFound;
+        }
+        *result = found->second.c_str();
+        return TevReturnOk;
+    }
+
+    static TevReturnT getMomFileName(const char* momName, const char* momVersion, const char** result) {
+        if (const TevReturnT fault = current->note("getMomFileName", shown(momName) + "," + shown(momVersion))) {
+            return fault;
+        }
+        for (const FakeModel& model : current->models) {
+            if (model.name == momName && model.version.has_value() == (momVersion != nullptr) &&
+                (momVersion == nullptr || *model.version == momVersion)) {
+                const std::lock_guard<std::mutex> lock(current->mutex);
+                *result = current->texts.insert(model.file.value_or("/models/" + model.name + ".xml")).first->c_str();
+                return TevReturnOk;
+            }
+        }
+        return TevReturnNotFound;
+    }
+
+    static void reserved() { throw std::logic_error("a reserved slot was called"); }
+
+    static TevReturnT noObject(unsigned long, const char*, const char*, DalMoAttributeValueContainer** result) {
+        *result = nullptr;
+        return current->note("router.getMoAttribute") == TevReturnOk ? TevReturnNotFound : TevReturnFailure;
+    }
+
+    static DalPortalAccessor portalAccessor;
+    static DalPortal_3 portal;
+    static DalOamSpiTransaction_2 transaction;
+    static DalMgmtSpiThreadContext_2 threadContext;
+    static const DalOamSpiMrRoot_4 repositoryRoot;
+    static const DalOamSpiMrGeneralProperties_4 repositoryProperties;
+    static const DalOamSpiMrMom_4 repositoryMom;
+    static DalOamSpiModelRepository_4 repository;
+    static DalOamSpiModelRepositoryExtension_1 extension;
+    static DalOamSpiManagedObject_1 router;
+};
+
+DalPortalAccessor FakeHost::Tables::portalAccessor = {getPortal};
+DalPortal_3 FakeHost::Tables::portal = {
+    {"DalPortalService", "DalPortal", "3"}, getInterface, reserved, registerComponent, unregisterComponent};
+DalOamSpiTransaction_2 FakeHost::Tables::transaction = {{"DalOamSpiTransactionService", "DalOamSpiTransaction", "2"},
+                                                        registerParticipant};
+DalMgmtSpiThreadContext_2 FakeHost::Tables::threadContext = {
+    {"DalMgmtSpiThreadContextService", "DalMgmtSpiThreadContext", "2"}, addMessage};
+const DalOamSpiMrRoot_4 FakeHost::Tables::repositoryRoot = {getFirstMom};
+const DalOamSpiMrGeneralProperties_4 FakeHost::Tables::repositoryProperties = {getGeneralStringProperty, reserved,
+                                                                               reserved, getGeneralDomainValue};
+const DalOamSpiMrMom_4 FakeHost::Tables::repositoryMom = {
+    getMomGeneralProperties, getMomStringProperty, reserved, reserved, getMomFeatureNames, getNextMom};
+DalOamSpiModelRepository_4 FakeHost::Tables::repository = {
+    {"DalOamSpiModelRepositoryService", "DalOamSpiModelRepository", "4"},
+    &repositoryRoot,
+    &repositoryProperties,
+    &repositoryMom};
+DalOamSpiModelRepositoryExtension_1 FakeHost::Tables::extension = {
+    {"DalOamSpiModelRepositoryService", "DalOamSpiModelRepositoryExtension", "1"}, getMomFileName};
+DalOamSpiManagedObject_1 FakeHost::Tables::router = {{"DalOamSpiCmRouterService", "DalOamSpiManagedObject", "1"},
+                                                     nullptr,
+                                                     noObject,
+                                                     nullptr,
+                                                     nullptr,
+                                                     nullptr,
+                                                     nullptr,
+                                                     nullptr};
+
+FakeHost::FakeHost() {
+    if (current != nullptr) {
+        throw std::logic_error("there is a host already");
+    }
+    current = this;
+}
+
+FakeHost::~FakeHost() {
+    current = nullptr;
+}
+
+DalPortalAccessor* FakeHost::accessor() {
+    return &Tables::portalAccessor;
+}
+
+void FakeHost::withoutPortal() {
+    hasPortal = false;
+}
+
+void FakeHost::failCall(const std::string& operation, TevReturnT code, unsigned int nth) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    faults[{operation, counts[operation] + nth}] = code;
+}
+
+void FakeHost::failAnyCall(unsigned int nth, TevReturnT code) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    faultsOfAny[totalCount + nth] = code;
+}
+
+void FakeHost::withdraw(const std::string& interfaceName) {
+    withdrawn.insert(interfaceName);
+}
+
+std::vector<std::string> FakeHost::calls() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return noted;
+}
+
+void FakeHost::clearCalls() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    noted.clear();
+}
+
+DalMgmtSpiComponent_2* FakeHost::component() const {
+    return registered;
+}
+
+std::vector<DalOamSpiTransactionalResource_2*> FakeHost::participants(unsigned long txHandle) const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto found = joined.find(txHandle);
+    return found == joined.end() ? std::vector<DalOamSpiTransactionalResource_2*>() : found->second;
+}
+
+std::vector<std::pair<std::int32_t, std::string>> FakeHost::messages() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return posted;
+}
+
+DalMgmtSpiInterface_1* FakeHost::findOffered(const std::string& interfaceName) const {
+    if (registered == nullptr) {
+        return nullptr;
+    }
+    for (DalMgmtSpiInterface_1** offer = registered->interfaceArray; *offer != nullptr; ++offer) {
+        if (interfaceName == (*offer)->interfaceName) {
+            return *offer;
+        }
+    }
+    return nullptr;
+}
+
+TevReturnT FakeHost::note(const std::string& operation, const std::string& arguments) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    noted.push_back(arguments.empty() ? operation : operation + " " + arguments);
+    const auto fault = faults.find({operation, ++counts[operation]});
+    const auto faultOfAny = faultsOfAny.find(++totalCount);
+    return fault != faults.end() ? fault->second : faultOfAny != faultsOfAny.end() ? faultOfAny->second : TevReturnOk;
+}
+
+const FakeModel& FakeHost::model(std::uint64_t handle) const {
+    if (handle >= models.size()) {
+        throw std::logic_error("an unknown handle was passed to the repository");
+    }
+    return models[static_cast<std::size_t>(handle)];
+}
+
+}  // namespace TevTest
