@@ -111,7 +111,11 @@ public:
 
     template <class Function>
     Function* function(const std::string& name) const {
-        return reinterpret_cast<Function*>(dlsym(handle, name.c_str()));
+        void* const symbol = dlsym(handle, name.c_str());
+        if (symbol == nullptr) {
+            throw std::runtime_error("no symbol " + name);
+        }
+        return reinterpret_cast<Function*>(symbol);
     }
 
     TevReturnT init(FakeHost& host) const {
@@ -190,9 +194,10 @@ TEST_F(LoadedLibraryTest, loadsIntoAProgramThatDoesNotLinkTheCommonLibrary) {
 
 TEST_F(LoadedLibraryTest, keepsItsSymbolsToItself) {
     const Library library;
-    EXPECT_NE(library.function<void()>("dalLCMinit"), nullptr);
-    EXPECT_EQ(dlsym(RTLD_DEFAULT, "dalLCMinit"), nullptr);
-    EXPECT_EQ(dlsym(RTLD_DEFAULT, entryPoint("join").c_str()), nullptr);
+    for (const std::string& name : {std::string("dalLCMinit"), entryPoint("join")}) {
+        EXPECT_NO_THROW(library.function<void()>(name));
+        EXPECT_EQ(dlsym(RTLD_DEFAULT, name.c_str()), nullptr);
+    }
 }
 
 TEST_F(LoadedLibraryTest, tablesHoldTheExportedFunctionsInTheirSlots) {
