@@ -18,7 +18,8 @@ extern TEV_COMMON_API const TraceSubsystem Common;
 }  // namespace Trace
 
 /// The process's log: one line per record, to the file that `TEV_LOG_FILE` names when the log is first used, else to
-/// standard error. The file is appended to; when it cannot be opened, standard error says so and takes its place.
+/// standard error. The file is appended to; when it cannot be opened, standard error says so and takes its place. What
+/// cannot be written is dropped.
 ///
 ///     2026-11-20T23:56:01.123456Z <thread id> LOG <level> <function>: <text>
 ///     2026-11-20T23:56:01.123456Z <thread id> TRACE <subsystem> <level> <file>:<line> <function>: <text>
@@ -31,14 +32,16 @@ extern TEV_COMMON_API const TraceSubsystem Common;
 /// arguments of an unwanted record cost nothing; a record above the level is dropped here as well, before anything is
 /// formatted.
 ///
-/// Thread-safe. Lines are written whole; a thread's records stand in the order of its calls. No operation throws.
+/// Thread-safe. Lines are written whole; a thread's records stand in the order of its calls. No operation on it throws;
+/// `errno` stays as it was.
 class TEV_COMMON_API LoggingWrapper {
 public:
     static constexpr int maxLevel = 8;
     static constexpr int defaultLevel = 4;
 
-    /// The one log of the process. Its first level is that of `TEV_LOG_LEVEL` (0 to 8), else 4. It is never destroyed,
-    /// so that every destructor may still write to it.
+    /// The one log of the process. Its first level is that of `TEV_LOG_LEVEL` (0 to 8), else 4; the log says so when
+    /// the variable holds anything else. It is never destroyed, so that every destructor may still write to it. Throws
+    /// std::bad_alloc when memory runs out at its first use.
     static LoggingWrapper& instance();
 
     LoggingWrapper(const LoggingWrapper&) = delete;

@@ -23,8 +23,8 @@ public:
     RegularExpression(const RegularExpression&) = delete;
     RegularExpression& operator=(const RegularExpression&) = delete;
 
-    /// Returns 1 when `text` matches, 0 when not; `flags` are those of `regexec`. Throws `TevException` (code -10)
-    /// when memory runs out.
+    /// Returns 1 when `text` matches, 0 when not; `flags` are those of `regexec`. Throws `TevException`: code -10
+    /// when memory runs out, -1 for flags that `regexec` does not know. REG_STARTEND has no effect.
     int match(const std::string& text, int flags) const;
 
 private:

@@ -16,13 +16,18 @@ namespace Tev {
 /// An XML configuration file, held as a DOM.
 ///
 /// External entities are never followed. A document of more than `maxBytes`, with elements nested deeper than
-/// `maxDepth`, or whose text grows beyond `maxBytes` when its entities are put in, is refused before a DOM is built.
+/// `maxDepth`, that declares more than `maxEntities` entities, or that grows too large when they are put in (its text
+/// and attributes to more than `maxBytes`, all of it to twice that), is refused before a DOM is built. One with more
+/// than about 4,000 different names is refused as well.
+///
+/// Namespaces are not looked at: a prefix is part of the name.
 ///
 /// Not thread-safe: one object is used by one thread at a time.
 class TEV_COMMON_API TevConfiguration {
 public:
     static constexpr std::size_t maxBytes = 1048576;
     static constexpr int maxDepth = 64;
+    static constexpr std::size_t maxEntities = 256;
 
     TevConfiguration();
     virtual ~TevConfiguration();
@@ -30,7 +35,7 @@ public:
     TevConfiguration& operator=(const TevConfiguration&) = delete;
 
     /// Reads the regular file `path` in place of any document held before. Throws `TevException` (code -1), whose text
-    /// names the file, the line where there is one, and the reason; nothing is held then.
+    /// names the file, the line where there is one, and the reason; or std::bad_alloc. Nothing is held then.
     void load(const std::string& path);
 
     /// Releases the document; nothing happens when there is none.

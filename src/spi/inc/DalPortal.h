@@ -13,7 +13,7 @@ extern "C" {
 typedef struct DalPortalAccessor {
     /// Returns the portal's table for `version` ("3" gives a `DalPortal_3`), owned by the host, or null when there is
     /// no portal of that version.
-    /// [lifecycle]
+    /// [any-thread]
     void* (*getPortal)(const char* version);
 } DalPortalAccessor;
 

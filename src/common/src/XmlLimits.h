@@ -1,0 +1,66 @@
+#ifndef TEV_XML_LIMITS_H
+#define TEV_XML_LIMITS_H
+
+#include <Poco/SAX/DeclHandler.h>
+#include <Poco/SAX/DefaultHandler.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace Tev {
+
+/// Goes through an XML document without building anything of it, to find what a DOM parser should not be given.
+class XmlLimits : private Poco::XML::DefaultHandler, private Poco::XML::DeclHandler {
+public:
+    /// Where a document has more of something than it may.
+    struct Offence {
+        int line;
+        std::size_t limit;
+        const char* what;  ///< what there is too much of, as in "more than 64 levels"; lives for ever
+    };
+
+    /// The largest amount of text and attributes in bytes (as UTF-8, with entities and default values put in), the
+    /// deepest nesting of elements (the root is the first level) and the highest number of entity declarations: the
+    /// parser calls itself for every entity inside another.
+    XmlLimits(std::size_t textLimit, std::size_t depthLimit, std::size_t entityLimit);
+    ~XmlLimits() override;
+
+    /// Returns the first offence in `document`, if there is one. Reading stops there, so the cost is bounded whatever
+    /// the rest holds. Throws what the parser throws when the document is not well-formed up to there. External
+    /// entities are not followed. To be called once.
+    std::optional<Offence> check(const std::string& document);
+
+private:
+    class Source;
+
+    void countText(std::size_t bytes);
+    void countEntity();
+    void note(std::size_t limit, const char* what);
+
+    void setDocumentLocator(const Poco::XML::Locator* documentLocator) override;
+    void startElement(const Poco::XML::XMLString& uri, const Poco::XML::XMLString& localName,
+                      const Poco::XML::XMLString& qualifiedName, const Poco::XML::Attributes& attributes) override;
+    void endElement(const Poco::XML::XMLString& uri, const Poco::XML::XMLString& localName,
+                    const Poco::XML::XMLString& qualifiedName) override;
+    void characters(const Poco::XML::XMLChar* text, int start, int length) override;
+    void internalEntityDecl(const Poco::XML::XMLString& name, const Poco::XML::XMLString& value) override;
+    void externalEntityDecl(const Poco::XML::XMLString& name, const Poco::XML::XMLString* publicId,
+                            const Poco::XML::XMLString& systemId) override;
+    void attributeDecl(const Poco::XML::XMLString& elementName, const Poco::XML::XMLString& attributeName,
+                       const Poco::XML::XMLString* valueDefault, const Poco::XML::XMLString* value) override;
+    void elementDecl(const Poco::XML::XMLString& name, const Poco::XML::XMLString& model) override;
+
+    const std::size_t textLimit;
+    const std::size_t depthLimit;
+    const std::size_t entityLimit;
+    const Poco::XML::Locator* locator = nullptr;
+    std::size_t text = 0;
+    std::size_t depth = 0;
+    std::size_t entities = 0;
+    std::optional<Offence> offence;
+};
+
+}  // namespace Tev
+
+#endif
