@@ -160,6 +160,21 @@ TEST_F(ProgramTest, listNeedsASysMObjectWhenThereAreManagedObjects) {
     expectFailure(onNode({"list"}), 1, HasSubstr("managed-objects.xml has no SysM object"));
 }
 
+TEST_F(ProgramTest, listShowsTheExampleNode) {
+    const AgentOutcome outcome = AgentProcess::run({"--node", TEV_EXAMPLE_NODE, "--output", "json", "list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    const std::filesystem::path models = std::filesystem::path(TEV_EXAMPLE_NODE) / "models";
+    const auto files = std::distance(std::filesystem::directory_iterator(models), {});
+    EXPECT_EQ(static_cast<std::ptrdiff_t>(objectsIn(outcome.out, "schemas").size()), files);
+}
+
+TEST_F(ProgramTest, listDoesNotDependOnTheOrderOfTheFiles) {
+    std::filesystem::rename(modelFile("1.xml"), modelFile("8.xml"));
+    std::filesystem::rename(modelFile("3.xml"), modelFile("0.xml"));
+    EXPECT_EQ(onNode({"list"}).out, table);
+}
+
 // get
 
 TEST_F(ProgramTest, getShowsOneInstanceByItsSchemaId) {
