@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <thread>
+
 #include "Diagnostics.h"
 #include "FakeComponent.h"
 #include "TempFolder.h"
@@ -327,6 +330,34 @@ TEST_F(RouterTest, aRoutedClassWithoutItsComponentIsNotFoundAndNamesIt) {
     EXPECT_EQ(objects.getMoAttribute(tx, routedDn, "severity", &container), -2);
     EXPECT_EQ(capture.takeOr(""),
               "class Alarm belongs to component AlarmService, which is not there or offers no managed objects");
+}
+
+TEST_F(RouterTest, servesSeveralThreadsAtOnce) {
+    constexpr int threadCount = 4;
+    constexpr int rounds = 200;
+    std::atomic<int> correct{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < rounds; ++round) {
+                const unsigned long own = transactions.begin();
+                DalMoAttributeValueContainer* label = nullptr;
+                void* listing = nullptr;
+                char* first = nullptr;
+                const bool isRead = objects.getMoAttribute(own, "ManagedElement=1", "userLabel", &label) == 0 &&
+                                    objects.newMoIterator(own, "ManagedElement=1", "Equipment", &listing) == 0 &&
+                                    objects.nextMo(listing, &first) == 0;
+                if (isRead && label->values[0].theString == std::string("north") && first == std::string("1") &&
+                    transactions.commit(own) == 0) {
+                    ++correct;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(correct, threadCount * rounds);
 }
 
 TEST_F(RouterTest, isTheOnlyOneOfTheProcess) {
