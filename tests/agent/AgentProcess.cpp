@@ -110,6 +110,10 @@ void AgentProcess::interrupt() const {
     }
 }
 
+bool AgentProcess::hasEnded() {
+    return reap(false);
+}
+
 AgentOutcome AgentProcess::wait() {
     reap(true);
     outcome.out = contents(outFile);
