@@ -56,7 +56,7 @@ void TransactionContextManager::cleanup(unsigned long txHandle) {
     std::for_each(context.memoryBlocks.begin(), context.memoryBlocks.end(), std::free);
     if (transactionContexts.erase(txHandle) == 0) {
         // Out of reach: the entry was found under this very lock.
-        SCHEMA_TRACE(TraceDebug, "Could not erase transactionContext with handle[%lu]", txHandle);
+        SCHEMA_TRACE(TraceDebug, "Could not erease transactionContext with handle[%lu]", txHandle);
     }
 }
 

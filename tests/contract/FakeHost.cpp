@@ -14,6 +14,9 @@ FakeHost* current = nullptr;
 constexpr std::uint64_t momBase = 0x100000000000;
 constexpr std::uint64_t propertiesBase = 0x200000000000;
 
+// What a failing call leaves in its output, for a component that looks there all the same.
+constexpr const char* rubbish = "rubbish";
+
 std::string shown(const char* text) {
     return text == nullptr ? "null" : text;
 }
@@ -114,6 +117,7 @@ struct FakeHost::Tables {
 
     static TevReturnT getMomStringProperty(DalOamSpiMrMomHandle_4T mom, std::int32_t selector, const char** result) {
         const FakeModel& model = current->model(mom - momBase);
+        *result = rubbish;
         if (const TevReturnT fault =
                 current->note("getMomStringProperty", model.name + "," + std::to_string(selector))) {
             return fault;
@@ -160,6 +164,7 @@ struct FakeHost::Tables {
     static TevReturnT getGeneralDomainValue(DalOamSpiMrGeneralPropertiesHandle_4T properties, const char* domain,
                                             const char* key, const char** result) {
         const FakeModel& model = current->model(properties - propertiesBase);
+        *result = rubbish;
         if (const TevReturnT fault =
                 current->note("getGeneralDomainValue", model.name + "," + shown(domain) + "," + shown(key))) {
             return fault;
@@ -168,7 +173,7 @@ struct FakeHost::Tables {
         if (std::strcmp(domain, "ORVA") != 0 || found == model.orva.end()) {
             return TevReturnNotFound;
         }
-        *result = found->second.c_str();
+        *result = found->second ? found->second->c_str() : nullptr;
         return TevReturnOk;
     }
 

@@ -27,7 +27,8 @@ struct FakeModel {
     std::optional<std::string> version{};
     std::optional<std::string> release{};
     std::optional<std::string> correction{};
-    std::map<std::string, std::string> orva{};           ///< values of the domain "ORVA"; an absent key gives -2
+    /// Values of the domain "ORVA"; an absent key gives -2, a key without a value gives 0 and a null text.
+    std::map<std::string, std::optional<std::string>> orva{};
     std::optional<std::vector<std::string>> features{};  ///< no value: the repository gives a null list
     std::optional<std::string> file{};                   ///< no value: "/models/<name>.xml"
 };
