@@ -77,6 +77,7 @@ public:
     int reading() const { return ends[0]; }
     int writing() const { return ends[1]; }
 
+    void closeReading() { closeEnd(0); }
     void closeWriting() { closeEnd(1); }
 
     void waitUntilFull() const {
@@ -302,6 +303,13 @@ TEST(LoggingWrapperProcessTest, closedStandardErrorDropsTheRecord) {
     ChildProcess child(LOG_CHILD, {"once"}, {}, {-1, -1, true});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(child.out(), "");
+}
+
+TEST(LoggingWrapperProcessTest, readerThatIsGoneDropsTheRecordAndLeavesTheProcessAlone) {
+    Pipe pipe(0);
+    pipe.closeReading();
+    ChildProcess child(LOG_CHILD, {"once"}, {}, {-1, pipe.writing(), false});
+    EXPECT_EQ(child.wait(), 0);
 }
 
 TEST(LoggingWrapperProcessTest, destructorsMayStillLog) {
