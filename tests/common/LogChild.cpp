@@ -197,6 +197,15 @@ public:
     bool armed = false;
 } logAtExit;
 
+void logWithSigpipeAsByDefault() {
+    std::signal(SIGPIPE, SIG_DFL);
+    sigset_t sigpipe;
+    sigemptyset(&sigpipe);
+    sigaddset(&sigpipe, SIGPIPE);
+    pthread_sigmask(SIG_UNBLOCK, &sigpipe, nullptr);
+    log("record");
+}
+
 void logFromDestructor() {
     log("from main");
     logAtExit.armed = true;
@@ -216,6 +225,7 @@ int main(int argumentCount, char* arguments[]) {
         {"full-disk", logWhileTheDiskIsFull},
         {"no-memory", logWithoutMemory},
         {"memory-back", logWhileMemoryComesBack},
+        {"sigpipe", logWithSigpipeAsByDefault},
         {"destructor", logFromDestructor},
     };
     const auto action = actions.find(argumentCount > 1 ? arguments[1] : "");

@@ -317,7 +317,7 @@ TEST(LoggingWrapperProcessTest, closedStandardErrorDropsTheRecord) {
 TEST(LoggingWrapperProcessTest, readerThatIsGoneDropsTheRecordAndLeavesTheProcessAlone) {
     Pipe pipe(0);
     pipe.closeReading();
-    ChildProcess child(LOG_CHILD, {"once"}, {}, {-1, pipe.writing(), false});
+    ChildProcess child(LOG_CHILD, {"sigpipe"}, {}, {-1, pipe.writing(), false});
     EXPECT_EQ(child.wait(), 0);
 }
 

@@ -32,7 +32,28 @@ bool isBlocked() {
     return sigismember(&mask, SIGPIPE) == 1;
 }
 
-TEST(SigpipeGuardTest, writeFailsAndNoSignalIsLeft) {
+/// A thread with SIGPIPE as it is by default, whatever the test was started with.
+class SigpipeGuardTest : public testing::Test {
+protected:
+    SigpipeGuardTest() : handlingBefore(std::signal(SIGPIPE, SIG_DFL)) {
+        sigemptyset(&sigpipe);
+        sigaddset(&sigpipe, SIGPIPE);
+        pthread_sigmask(SIG_UNBLOCK, &sigpipe, &maskBefore);
+    }
+
+    ~SigpipeGuardTest() override {
+        pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);
+        std::signal(SIGPIPE, handlingBefore);
+    }
+
+    sigset_t sigpipe;
+
+private:
+    sigset_t maskBefore;
+    void (*handlingBefore)(int);
+};
+
+TEST_F(SigpipeGuardTest, writeFailsAndNoSignalIsLeft) {
     {
         const Tev::SigpipeGuard guard;
         EXPECT_EQ(writeToNobody(), EPIPE);
@@ -41,10 +62,7 @@ TEST(SigpipeGuardTest, writeFailsAndNoSignalIsLeft) {
     EXPECT_FALSE(isBlocked());
 }
 
-TEST(SigpipeGuardTest, signalThatWasPendingBeforeStaysPending) {
-    sigset_t sigpipe;
-    sigemptyset(&sigpipe);
-    sigaddset(&sigpipe, SIGPIPE);
+TEST_F(SigpipeGuardTest, signalThatWasPendingBeforeStaysPending) {
     pthread_sigmask(SIG_BLOCK, &sigpipe, nullptr);
     EXPECT_EQ(writeToNobody(), EPIPE);
     ASSERT_TRUE(isPending());
@@ -56,19 +74,18 @@ TEST(SigpipeGuardTest, signalThatWasPendingBeforeStaysPending) {
     EXPECT_TRUE(isBlocked());
     const timespec noTime{};
     EXPECT_EQ(sigtimedwait(&sigpipe, nullptr, &noTime), SIGPIPE);
-    pthread_sigmask(SIG_UNBLOCK, &sigpipe, nullptr);
 }
 
-TEST(SigpipeGuardTest, doesNothingToAWriteThatIsRead) {
+TEST_F(SigpipeGuardTest, writeThatIsReadIsLeftAlone) {
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     {
         const Tev::SigpipeGuard guard;
         EXPECT_EQ(write(ends[1], "x", 1), 1);
     }
-    char read1 = 0;
-    EXPECT_EQ(read(ends[0], &read1, 1), 1);
-    EXPECT_EQ(read1, 'x');
+    char received = 0;
+    EXPECT_EQ(read(ends[0], &received, 1), 1);
+    EXPECT_EQ(received, 'x');
     EXPECT_FALSE(isBlocked());
     close(ends[0]);
     close(ends[1]);
