@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # Needed to build everything, and to test it.
-build_packages=(cmake g++ libpoco-dev ninja-build)
+build_packages=(cmake g++ libcli11-dev libexpat1-dev libpoco-dev ninja-build)
 test_packages=(binutils libgmock-dev libgtest-dev)
 
 as_root() {
