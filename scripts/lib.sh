@@ -27,17 +27,18 @@ install_packages() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [CMAKE-ARGUMENT...]: configures and builds build/PRESET; warnings are errors where CI is set.
+# build PRESET [TARGET...]: configures build/PRESET and builds the targets, else everything; warnings are errors where CI
+# is set.
 build() {
-    local preset=$1
+    local preset=$1 warnings_as_errors=()
     shift
     # A compiler cache is used where there is one; nothing depends on it.
     if command -v ccache >/dev/null; then
         export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
     fi
     if [ "${CI:-}" = true ]; then
-        set -- -DTEV_WARNINGS_AS_ERRORS=ON "$@"
+        warnings_as_errors=(-DTEV_WARNINGS_AS_ERRORS=ON)
     fi
-    cmake --preset "$preset" "$@"
-    cmake --build --preset "$preset"
+    cmake --preset "$preset" "${warnings_as_errors[@]}"
+    cmake --build --preset "$preset" ${1:+--target "$@"}
 }

@@ -544,6 +544,28 @@ TEST_F(LifecycleContractTest, nothingIsTracedAtLevelSeven) {
     EXPECT_THAT(log.records(), IsEmpty());
 }
 
+TEST_F(LifecycleContractTest, wholeLifeLeavesNoRecordAtLevelTwo) {
+    terminate();
+    const LogCapture capture(2);
+    EXPECT_EQ(init(), 0);
+    host.models = {modelWithOptions("A", {"f"}), modelWithOptions("B", {})};
+    host.failCall("getMomFileName", -1);
+    EXPECT_EQ(start(), -1);
+    EXPECT_EQ(readCode("A"), 2);
+    EXPECT_EQ(start(), 0);
+    EXPECT_EQ(readCode("A"), 0);
+    EXPECT_EQ(readCode("C"), -2);
+    host.failCall("registerParticipant", -1);
+    EXPECT_EQ(resource().join(readHandle), -1);
+    EXPECT_EQ(objects().createMo(readHandle, parentDn, "Schema", "schemaId", nullptr), -1);
+    EXPECT_EQ(objects().deleteMo(readHandle, dnOf("A").c_str()), -1);
+    EXPECT_EQ(objects().nextMo(nullptr, nullptr), -8);
+    EXPECT_EQ(stop(), 0);
+    EXPECT_EQ(resource().finish(readHandle), 0);
+    component->terminate();
+    EXPECT_THAT(capture.records(), IsEmpty());
+}
+
 TEST_F(LifecycleContractTest, missingConfigurationIsLoggedFromLevelFour) {
     terminate();
     const LogCapture capture(4);

@@ -8,7 +8,7 @@ namespace TevTest {
 
 namespace {
 
-constexpr const char* sourceFile = "tests/contract/LogTest";
+constexpr const char* sourceFile = "tests/schema_populator/LogTest";
 
 /// Counts how often an argument of a record is evaluated.
 class LogTest : public testing::Test {
