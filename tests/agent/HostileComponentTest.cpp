@@ -144,6 +144,12 @@ TEST_F(HostileComponentTest, throwsFromStopOnceTheResultsAreOut) {
     EXPECT_EQ(outcome.err, "tev-agent: component TevSchemaMoService threw in stop: will not\n");
 }
 
+TEST_F(HostileComponentTest, closesTheDescriptorOfTheResults) {
+    const AgentOutcome outcome = run("closes_descriptors", {"get", "one", "schemaId"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "tev-agent: cannot write to standard output: Bad file descriptor\n");
+}
+
 TEST_F(HostileComponentTest, printsOnStandardOutputWhichGoesToStandardError) {
     const AgentOutcome outcome = run("prints", {"get", "one", "schemaId"});
     EXPECT_EQ(outcome.status, 0);

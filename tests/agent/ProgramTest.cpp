@@ -319,6 +319,16 @@ TEST_F(ProgramTest, furtherRoutesStandInTheObjectsFile) {
     EXPECT_EQ(outcome.out, "expiry\nvalue\n");
 }
 
+TEST_F(ProgramTest, aRouteToAComponentThatIsNotThereNamesIt) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="LicenceService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    expectFailure(onNode({"get", "ManagedElement=1,Licence=5", "expiry"}), 1,
+                  HasSubstr("cannot read attribute expiry of ManagedElement=1,Licence=5: class Licence belongs to "
+                            "component LicenceService, which is not there or offers no managed objects\n"));
+}
+
 TEST_F(ProgramTest, logsNothingUnlessAsked) {
     EXPECT_EQ(onNode({"get", "Plain", "version"}).err, "");
 }

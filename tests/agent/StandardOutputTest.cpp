@@ -34,6 +34,15 @@ int openNow() {
     return lowest;
 }
 
+/// SIGPIPE as a program finds it, whatever the test was started with and its libraries have blocked.
+void letPipesKill() {
+    std::signal(SIGPIPE, SIG_DFL);
+    sigset_t pipes;
+    sigemptyset(&pipes);
+    sigaddset(&pipes, SIGPIPE);
+    sigprocmask(SIG_UNBLOCK, &pipes, nullptr);
+}
+
 TEST(StandardOutputDeathTest, whatIsPrintedGoesToStandardErrorFromThenOn) {
     EXPECT_EXIT(found([] {
                     const StandardOutput output;
@@ -83,12 +92,23 @@ TEST(StandardOutputDeathTest, aReaderThatHasGoneIsAnErrorAndNoSignal) {
                     }
                     dup2(ends[1], STDOUT_FILENO);
                     close(ends[0]);
-                    std::signal(SIGPIPE, SIG_DFL);  // whatever the test was started with
+                    letPipesKill();
                     StandardOutput output;
                     output.write("result");
                     return "written";
                 }),
                 testing::ExitedWithCode(0), "cannot write to standard output: Broken pipe");
+}
+
+TEST(StandardOutputDeathTest, anErrorThatShowsOnlyAtTheEndIsToldToo) {
+    EXPECT_EXIT(found([] {
+                    const int expected = openNow();
+                    StandardOutput output;
+                    close(expected);
+                    output.close();
+                    return "closed well";
+                }),
+                testing::ExitedWithCode(0), "cannot write to standard output: Bad file descriptor");
 }
 
 TEST(StandardOutputDeathTest, writesLongTextsWhole) {
