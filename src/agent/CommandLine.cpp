@@ -96,7 +96,7 @@ Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
     app.require_subcommand(0, 1);  // that there is one is verified last, so that an unknown one is named
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.get_formatter()->label("Subcommands", "Commands");
-    app.fallthrough();             // the options may stand behind the command, too
+    app.fallthrough();  // the options may stand behind the command, too
     app.set_help_flag("-h,--help", "Show this help");
     app.set_version_flag("--version", "tev-agent " TEV_VERSION, "Show the version");
     addOptions(app, settings, words);

@@ -72,9 +72,6 @@ ExitStatus Commands::list(Agent& agent) {
         try {
             instances.push_back(operation.reader().read(agent.schemaDn(key), SchemaClass::attributes()));
         } catch (const Failure& e) {
-            if (e.status() == ExitStatus::Interrupted) {
-                throw;
-            }
             // One instance that cannot be read does not hide the others.
             Diagnostics::say(e.what());
             status = e.status();

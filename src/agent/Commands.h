@@ -19,7 +19,7 @@ public:
     Commands(const Settings& commandSettings, StandardOutput& resultOutput);
 
     /// Carries out the command that the settings name: results go to the output, all else to `Diagnostics`. Throws
-    /// `Failure` when the command ends early.
+    /// `Failure` or `Interrupted` when the command ends early.
     ExitStatus run();
 
 private:

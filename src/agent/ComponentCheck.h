@@ -18,7 +18,7 @@ public:
     ComponentCheck(Agent& hostAgent, std::string libraryPath);
 
     /// Tries every item, in order, and tells each result as soon as it is there; an item is not tried once one has
-    /// failed. To be called once. Returns whether all passed. Throws `Failure` when interrupted.
+    /// failed. To be called once. Returns whether all passed. Throws `Interrupted`.
     bool run(const std::function<void(const CheckResult&)>& tell);
 
 private:

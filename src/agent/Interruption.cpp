@@ -2,8 +2,6 @@
 
 #include <csignal>
 
-#include "Failure.h"
-
 namespace TevAgent {
 
 namespace {
@@ -30,7 +28,7 @@ void Interruption::watch() {
 
 void Interruption::check() {
     if (isRequested != 0) {
-        throw Failure(ExitStatus::Interrupted, "interrupted");
+        throw Interrupted();
     }
 }
 

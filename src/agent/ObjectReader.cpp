@@ -90,10 +90,7 @@ bool ObjectReader::exists(const std::string& dn) const {
     try {
         const std::vector<std::string> siblings = keys(parentDn, rdn.substr(0, equals));
         return std::find(siblings.begin(), siblings.end(), rdn.substr(equals + 1)) != siblings.end();
-    } catch (const Failure& e) {
-        if (e.status() == ExitStatus::Interrupted) {
-            throw;
-        }
+    } catch (const Failure&) {
         return false;
     }
 }

@@ -10,7 +10,7 @@
 namespace TevAgent {
 
 /// Reads managed objects through the router in one transaction. What cannot be read ends in a `Failure` (operation
-/// failed) whose sentence names the object; an interruption ends in one, too. Used by one thread.
+/// failed) whose sentence names the object; an interruption ends in `Interrupted`. Used by one thread.
 class ObjectReader {
 public:
     ObjectReader(Router& objectRouter, unsigned long transactionHandle);

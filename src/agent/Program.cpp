@@ -54,6 +54,9 @@ int Program::run(int argumentCount, const char* const* arguments) {
     } catch (const Failure& e) {
         Diagnostics::say(e.what());
         status = e.status();
+    } catch (const Interrupted& e) {
+        Diagnostics::say(e.what());
+        status = ExitStatus::Interrupted;
     } catch (const std::exception& e) {
         Diagnostics::say(e.what());
         status = ExitStatus::OperationFailed;

@@ -50,6 +50,8 @@ void directOutput(const AgentProcess::Setting& setting, const std::string& outFi
                          const std::string& outFile, const std::string& errFile) {
     direct(errFile, STDERR_FILENO);
     directOutput(setting, outFile);
+    // Whatever the test was started with.
+    signal(SIGPIPE, SIG_DFL);
     signal(SIGINT, setting.isSigintIgnored ? SIG_IGN : SIG_DFL);
     for (const char* name : {"TEV_CONFIG_DIR", "TEV_LOG_FILE", "TEV_LOG_LEVEL"}) {
         unsetenv(name);
@@ -108,6 +110,10 @@ void AgentProcess::interrupt() const {
     if (pid != -1) {
         kill(pid, SIGINT);
     }
+}
+
+bool AgentProcess::hasEnded() {
+    return reap(false);
 }
 
 AgentOutcome AgentProcess::wait() {

@@ -48,6 +48,8 @@ public:
 
     void interrupt() const;
 
+    bool hasEnded();
+
     AgentOutcome wait();
 
 private:

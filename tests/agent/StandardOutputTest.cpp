@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -82,6 +83,7 @@ TEST(StandardOutputDeathTest, aReaderThatHasGoneIsAnErrorAndNoSignal) {
                     }
                     dup2(ends[1], STDOUT_FILENO);
                     close(ends[0]);
+                    std::signal(SIGPIPE, SIG_DFL);  // whatever the test was started with
                     StandardOutput output;
                     output.write("result");
                     return "written";

@@ -11,8 +11,6 @@ void damage(GoodComponent& component) {
         std::fflush(stdout);
         while (true) {
             pause();
-            std::puts("woken");
-            std::fflush(stdout);
         }
     };
 }
