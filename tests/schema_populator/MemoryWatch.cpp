@@ -2,6 +2,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 extern "C" {
 
@@ -47,7 +48,14 @@ struct MemoryWatch::Hooks {
         note([block](MemoryWatch& noting) { noting.taken.push_back(block); });
     }
 
+    static void takeAction(std::function<void()> MemoryWatch::*action) {
+        if (watch != nullptr && watch->*action) {
+            note([action](MemoryWatch& noting) { std::exchange(noting.*action, nullptr)(); });
+        }
+    }
+
     static void* newMemory(std::size_t size) {
+        takeAction(&MemoryWatch::newAction);
         if (watch != nullptr && ++watch->news == watch->failingNew) {
             ++watch->failures;
             if (watch->thrown == Thrown::Int) {
@@ -62,6 +70,7 @@ struct MemoryWatch::Hooks {
         return block;
     }
 
+    static void takeFreeAction() { takeAction(&MemoryWatch::freeAction); }
     static bool mallocFails() { return takeFailure(&MemoryWatch::mallocFails); }
     static bool strdupFails() { return takeFailure(&MemoryWatch::strdupFails); }
 
@@ -96,6 +105,14 @@ void MemoryWatch::failNew(unsigned int nth, Thrown what) {
     thrown = what;
 }
 
+void MemoryWatch::atNextNew(std::function<void()> action) {
+    newAction = std::move(action);
+}
+
+void MemoryWatch::atNextFree(std::function<void()> action) {
+    freeAction = std::move(action);
+}
+
 }  // namespace TevTest
 
 using Hooks = TevTest::MemoryWatch::Hooks;
@@ -120,6 +137,7 @@ char* __wrap_strdup(const char* text) {
 }
 
 void __wrap_free(void* block) {
+    Hooks::takeFreeAction();
     Hooks::noteTaken(block);
     __real_free(block);
 }

@@ -2,6 +2,7 @@
 #define MEMORY_WATCH_H
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 namespace TevTest {
@@ -25,6 +26,10 @@ public:
 
     /// The `nth` call from now on throws, 1 being the next.
     void failNew(unsigned int nth = 1, Thrown what = Thrown::BadAlloc);
+
+    /// Does `action`, unwatched, in the next call, before anything else.
+    void atNextNew(std::function<void()> action);
+    void atNextFree(std::function<void()> action);
 
     /// Whether a failure that was asked for has come.
     bool failed() const { return failures > 0; }
@@ -54,6 +59,8 @@ private:
     Thrown thrown = Thrown::BadAlloc;
     unsigned int news = 0;
     unsigned int failures = 0;
+    std::function<void()> newAction;
+    std::function<void()> freeAction;
 };
 
 }  // namespace TevTest

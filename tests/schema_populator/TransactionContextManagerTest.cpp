@@ -1,15 +1,19 @@
 #include "TransactionContextManager.h"
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
-#include <chrono>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <future>
+#include <fstream>
+#include <functional>
 #include <new>
+#include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "LogCapture.h"
@@ -100,20 +104,6 @@ TEST(TransactionContextManagerTest, unknownIteratorThrowsAndChangesNothing) {
     expectUnknown(manager, iterator);
 }
 
-TEST(TransactionContextManagerTest, lockIsReleasedWhenAnIteratorIsUnknown) {
-    TransactionContextManager manager;
-    expectUnknown(manager, nullptr);
-    // The thread that got the exception could take its own lock again.
-    std::promise<void> added;
-    std::thread other([&] {
-        manager.addMemory(5, nullptr);
-        added.set_value();
-    });
-    EXPECT_EQ(added.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
-    other.join();
-    manager.cleanup(5);
-}
-
 TEST(TransactionContextManagerTest, cleanupFreesBlocksInTheOrderOfTheirRegistration) {
     TransactionContextManager manager;
     std::vector<void*> blocks;
@@ -123,6 +113,19 @@ TEST(TransactionContextManagerTest, cleanupFreesBlocksInTheOrderOfTheirRegistrat
         blocks.push_back(manager.getNewIteratorHandle(5));
     }
     EXPECT_THAT(releasedBy(manager, 5), ElementsAreArray(blocks));
+}
+
+TEST(TransactionContextManagerTest, cleanupForgetsIteratorsBeforeItFreesBlocks) {
+    TransactionContextManager manager;
+    void* const iterator = manager.getNewIteratorHandle(5);
+    bool freed = false;
+    MemoryWatch watch;
+    watch.atNextFree([&] {
+        freed = true;
+        expectUnknown(manager, iterator);  // the thread that has the lock may take it again
+    });
+    manager.cleanup(5);
+    EXPECT_TRUE(freed);
 }
 
 TEST(TransactionContextManagerTest, cleanupLeavesOtherTransactionsAlone) {
@@ -300,6 +303,79 @@ TEST(TransactionContextManagerTest, cleanupTracesAnIteratorHandleThatIsGone) {
     EXPECT_THAT(log.records(), ElementsAreArray(debugTrace(0, sourceFile, "operator()",
                                                            "Could not erase iteratorContext with handle [(nil)]")));
     expectUnknown(manager, nullptr);
+}
+
+/// Something done in a thread of its own.
+class Contender {
+public:
+    explicit Contender(std::function<void()> operation)
+        : thread([this, operation = std::move(operation)] {
+              threadId = gettid();
+              operation();
+              done = true;
+          }) {}
+
+    ~Contender() { thread.join(); }
+
+    /// Returns, once it can be told, whether the operation sleeps before it is done.
+    bool waits() const {
+        while (!done && !(threadId != 0 && sleeps())) {
+            std::this_thread::yield();
+        }
+        return !done;
+    }
+
+private:
+    bool sleeps() const {
+        std::ifstream file("/proc/self/task/" + std::to_string(threadId) + "/stat");
+        std::string status;
+        std::getline(file, status);
+        return status.find(") S ") != std::string::npos;
+    }
+
+    std::atomic<pid_t> threadId{0};
+    std::atomic<bool> done{false};
+    std::thread thread;
+};
+
+TEST(TransactionContextManagerTest, operationsWaitForTheOneUnderWay) {
+    TransactionContextManager manager;
+    void* const iterator = manager.getNewIteratorHandle(1);
+    using Operation = std::function<void()>;
+    // While it allocates or frees memory, an operation has the lock.
+    const std::vector<std::pair<Operation, void (MemoryWatch::*)(Operation)>> underWay = {
+        {[&] { manager.addMemory(5, nullptr); }, &MemoryWatch::atNextNew},
+        {[&] { manager.getNewIteratorHandle(5); }, &MemoryWatch::atNextNew},
+        {[&] { expectUnknown(manager, nullptr); }, &MemoryWatch::atNextNew},
+        {[&] { manager.cleanup(5); }, &MemoryWatch::atNextFree}};
+    const std::vector<Operation> contending = {
+        [&] { manager.addMemory(6, nullptr); }, [&] { manager.getNewIteratorHandle(6); },
+        [&] { manager.getNextIteratorContext(iterator); }, [&] { manager.cleanup(6); }};
+    for (std::size_t first = 0; first < underWay.size(); ++first) {
+        for (std::size_t second = 0; second < contending.size(); ++second) {
+            manager.addMemory(5, nullptr);
+            manager.addMemory(6, nullptr);
+            std::optional<Contender> contender;
+            MemoryWatch watch;
+            (watch.*underWay[first].second)([&] {
+                contender.emplace(contending[second]);
+                EXPECT_TRUE(contender->waits()) << "operation " << second << " during operation " << first;
+            });
+            underWay[first].first();
+            ASSERT_TRUE(contender);
+        }
+    }
+    for (const unsigned long txHandle : {1UL, 5UL, 6UL}) {
+        manager.cleanup(txHandle);
+    }
+}
+
+TEST(TransactionContextManagerTest, lockIsReleasedWhenAnIteratorIsUnknown) {
+    TransactionContextManager manager;
+    expectUnknown(manager, nullptr);
+    // The thread that got the exception could take its own lock again; another would wait for good.
+    std::thread([&manager] { manager.addMemory(5, nullptr); }).join();
+    EXPECT_THAT(releasedBy(manager, 5), ElementsAre(nullptr));
 }
 
 TEST(TransactionContextManagerTest, threadsMayWorkInDifferentTransactionsAtOnce) {
