@@ -48,7 +48,7 @@ TevReturnT Barrier::report(const char* what, const std::string& who, const char*
     try {
         const Caught exception = caught();
         Diagnostics::say(what + who + " threw in " + operation + ": " + exception.text);
-        return exception.code;
+        return exception.code == TevReturnOk ? TevReturnFailure : exception.code;  // it threw: it did not succeed
     } catch (const std::exception&) {
         return TevReturnFailure;
     }

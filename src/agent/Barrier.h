@@ -11,7 +11,7 @@ namespace TevAgent {
 /// The border between the agent and its components: every call across it runs in one of these. No exception passes.
 ///
 /// One that is caught is reported as "component <who> threw in <operation>: <text>"; its code is that of a
-/// `Tev::TevException`, else -1. Thread-safe.
+/// `Tev::TevException`, else, or when that is 0, -1. Thread-safe.
 class Barrier {
 public:
     /// Carries out `function`, a call into the component `component`, and returns its code.

@@ -129,8 +129,8 @@ TevReturnT Router::nextMo(void* iterator, char** result) {
                                               [&] { return listing->owner->nextMo(listing->inner, result); });
         return clearedUnlessOk(code, *result);
     }
+    const Tev::AnnotatedLock lock(mutex);
     if (listing->next < listing->keys.size()) {
-        const Tev::AnnotatedLock lock(mutex);
         *result = memories[listing->txHandle].copyOf(listing->keys[listing->next]);
         ++listing->next;
     }

@@ -157,7 +157,13 @@ std::string TableCheck::faultOf(const DalOamSpiTransactionalResource_2* particip
     if (!isComplete(participant->base)) {
         return "a participant without a component name, interface name or version was registered";
     }
-    return faultOfSlots(std::string("component ") + participant->base.componentName, *participant);
+    const std::string who = std::string("component ") + participant->base.componentName;
+    if (participant->base.interfaceName != resourceInterface) {
+        return who + " registers a " + participant->base.interfaceName + " table as a participant";
+    }
+    return participant->base.interfaceVersion == resourceVersion
+               ? faultOfSlots(who, *participant)
+               : wrongVersion(who, participant->base, resourceVersion);
 }
 
 }  // namespace TevAgent

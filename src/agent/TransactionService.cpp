@@ -40,7 +40,7 @@ TevReturnT TransactionService::registerParticipant(unsigned long txHandle, Resou
     }
     const Tev::AnnotatedLock lock(mutex);
     const auto found = open.find(txHandle);
-    if (found == open.end()) {
+    if (found == open.end() || found->second.isFinishing) {
         return TevReturnNotFound;
     }
     std::vector<Resource*>& participants = found->second.participants;
@@ -138,6 +138,11 @@ TevReturnT TransactionService::tellAll(unsigned long txHandle, const char* name,
 }
 
 TevReturnT TransactionService::finish(unsigned long txHandle) {
+    {
+        // What a participant takes up from now on would be released by nobody.
+        const Tev::AnnotatedLock lock(mutex);
+        open.at(txHandle).isFinishing = true;
+    }
     const TevReturnT result = tellAll(txHandle, "finish", &Resource::finish, AtFailure::GoOn);
     const Tev::AnnotatedLock lock(mutex);
     open.erase(txHandle);

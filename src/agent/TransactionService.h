@@ -14,8 +14,8 @@ namespace TevAgent {
 
 /// Keeps the transactions: their participants, and their end.
 ///
-/// Handles begin at 1 and are never used again. Thread-safe; one transaction is ended by one thread. Participants are
-/// called without a lock held.
+/// Handles begin at 1 and are never used again. Thread-safe; one transaction is used by one thread at a time.
+/// Participants are called without a lock held.
 class TransactionService : public OnlyOne<TransactionService> {
 public:
     static constexpr const char* componentName = "DalOamSpiTransactionService";
@@ -27,7 +27,8 @@ public:
     unsigned long begin();
 
     /// Makes `participant` (borrowed until its `finish`) take part; again changes nothing. Returns 0, -2 when there is
-    /// no such transaction, -8 when the participant's table is faulty, and says how then.
+    /// no such transaction or its participants are being told to finish, -8 when the participant's table is faulty, and
+    /// says how then.
     TevReturnT registerParticipant(unsigned long txHandle, DalOamSpiTransactionalResource_2* participant);
 
     /// To be called before a call into the component that offers `resource`: tells it to join unless it has joined the
@@ -51,6 +52,7 @@ private:
     struct State {
         std::vector<Resource*> participants;
         std::set<Resource*> joined;
+        bool isFinishing = false;
     };
 
     bool isOpen(unsigned long txHandle) const;

@@ -42,6 +42,12 @@ TEST(BarrierTest, givesTheCodeAndTextOfATevException) {
     EXPECT_EQ(outcome.said, "component Guilty threw in start: no more of it");
 }
 
+TEST(BarrierTest, doesNotTakeAnExceptionWithTheCodeOfSuccessForSuccess) {
+    const Outcome outcome = called([]() -> TevReturnT { throw Tev::TevException(TevReturnOk, "all is well"); });
+    EXPECT_EQ(outcome.code, -1);
+    EXPECT_EQ(outcome.said, "component Guilty threw in start: all is well");
+}
+
 TEST(BarrierTest, catchesAStandardExceptionWithItsText) {
     const Outcome outcome = called([]() -> TevReturnT { throw std::runtime_error("broken"); });
     EXPECT_EQ(outcome.code, -1);

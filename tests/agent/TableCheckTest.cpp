@@ -141,6 +141,16 @@ TEST_F(TableCheckTest, refusesManagedObjectsThatTakePartInNoTransaction) {
     EXPECT_EQ(fault(), "component Fake offers managed objects but no DalOamSpiTransactionalResource");
 }
 
+TEST_F(TableCheckTest, refusesAParticipantOfAnotherInterfaceOrVersion) {
+    EXPECT_EQ(TableCheck::faultOf(&fake.resource), "");
+    fake.resource.base.interfaceVersion = "3";
+    EXPECT_EQ(TableCheck::faultOf(&fake.resource),
+              "component Fake offers DalOamSpiTransactionalResource version 3, but this agent knows version 2");
+    fake.resource.base.interfaceName = "DalOamSpiManagedObject";
+    EXPECT_EQ(TableCheck::faultOf(&fake.resource),
+              "component Fake registers a DalOamSpiManagedObject table as a participant");
+}
+
 TEST_F(TableCheckTest, refusesANullOrNamelessParticipant) {
     EXPECT_EQ(TableCheck::faultOf(static_cast<const DalOamSpiTransactionalResource_2*>(nullptr)),
               "a null participant was registered");

@@ -119,6 +119,19 @@ TEST_F(TransactionServiceTest, aParticipantThatComesWhileItEndsFinishesToo) {
                                    "A.finish 1", "B.finish 1"));
 }
 
+TEST_F(TransactionServiceTest, nobodyTakesPartAnyMoreOnceParticipantsAreToldToFinish) {
+    const unsigned long handle = beginWithBoth();
+    std::vector<TevReturnT> codes;
+    b.whenCalled("finish", [&] {
+        codes.push_back(service.registerParticipant(handle, &a.resource));
+        codes.push_back(service.registerParticipant(handle, &b.resource));
+        return TevReturnOk;
+    });
+    EXPECT_EQ(service.abort(handle), 0);
+    EXPECT_THAT(codes, ElementsAre(-2, -2));
+    EXPECT_THAT(calls, ElementsAre("A.abort 1", "B.abort 1", "A.finish 1", "B.finish 1"));
+}
+
 TEST_F(TransactionServiceTest, refusesAnUnknownTransactionEverywhere) {
     for (const unsigned long handle : {0UL, 1UL}) {
         EXPECT_EQ(service.registerParticipant(handle, &a.resource), -2);
