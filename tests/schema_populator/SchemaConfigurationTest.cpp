@@ -11,6 +11,7 @@
 
 #include "LogCapture.h"
 #include "MemoryWatch.h"
+#include "StandardOutputOf.h"
 #include "TempFolder.h"
 #include "TevException.h"
 
@@ -231,8 +232,7 @@ struct Outcome {
 Outcome loadFailing(SchemaConfiguration& configuration, const std::string& path, unsigned int nthNew,
                     MemoryWatch::Thrown thrown) {
     Outcome outcome;
-    testing::internal::CaptureStdout();
-    {
+    outcome.output = standardOutputOf([&] {
         MemoryWatch watch;
         watch.failNew(nthNew, thrown);
         try {
@@ -243,8 +243,7 @@ Outcome loadFailing(SchemaConfiguration& configuration, const std::string& path,
             outcome.threwInt = true;
         }
         outcome.failed = watch.failed();
-    }
-    outcome.output = testing::internal::GetCapturedStdout();
+    });
     return outcome;
 }
 
