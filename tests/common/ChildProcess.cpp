@@ -7,9 +7,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <system_error>
+
+#include "FileText.h"
 
 namespace TevTest {
 
@@ -32,13 +32,6 @@ std::vector<std::string> withoutOurVariables() {
         }
     }
     return kept;
-}
-
-std::string contents(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
 }
 
 /// What happens to the child's descriptors.

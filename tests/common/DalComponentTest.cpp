@@ -2,12 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
 
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsNull;
@@ -62,8 +65,14 @@ public:
         host.calls.push_back(std::string("initialize ") + (configuration == nullptr ? "without" : configuration));
         return initialization;
     }
-    TevReturnT start(DalStateChangeReason /*reason*/) { return 11; }
-    TevReturnT stop(DalStateChangeReason /*reason*/) { return 12; }
+    TevReturnT start(DalStateChangeReason reason) {
+        startReasons.push_back(reason);
+        return 11;
+    }
+    TevReturnT stop(DalStateChangeReason reason) {
+        stopReasons.push_back(reason);
+        return 12;
+    }
     void terminate() { host.calls.emplace_back(portal == nullptr ? "terminate without portal" : "terminate"); }
 
     const DalMgmtSpiComponent_2& table() const { return component; }
@@ -76,6 +85,30 @@ public:
     }
 
     TevReturnT initialization = 0;
+    std::vector<DalStateChangeReason> startReasons;
+    std::vector<DalStateChangeReason> stopReasons;
+};
+
+constexpr int callers = 8;
+
+/// Counts its objects. Its construction takes until all callers ask for it, and a while longer.
+class SlowComponent : public Tev::DalComponent<SlowComponent> {
+public:
+    SlowComponent() : DalComponent("Slow") {
+        ++constructions;
+        while (asking < callers) {
+            std::this_thread::yield();
+        }
+        for (int i = 0; i < 1000; ++i) {
+            std::this_thread::yield();
+        }
+    }
+
+    TevReturnT start(DalStateChangeReason /*reason*/) { return 0; }
+    TevReturnT stop(DalStateChangeReason /*reason*/) { return 0; }
+
+    static inline std::atomic<int> asking{0};
+    static inline std::atomic<int> constructions{0};
 };
 
 /// What a null-terminated array holds.
@@ -145,6 +178,16 @@ TEST_F(DalComponentTest, withoutPortalNothingIsRegistered) {
     EXPECT_THAT(component.table().interfaceArray, IsNull());
 }
 
+TEST_F(DalComponentTest, registeringAgainWithoutPortalForgetsThePortalBefore) {
+    EXPECT_EQ(component.registerComponent(&accessor, nullptr), 0);
+    host.hasPortal = false;
+    EXPECT_EQ(component.registerComponent(&accessor, nullptr), -1);
+    EXPECT_THAT(component.currentPortal(), IsNull());
+    host.calls.clear();
+    component.unregisterComponent();
+    EXPECT_THAT(host.calls, ElementsAre("terminate without portal"));
+}
+
 TEST_F(DalComponentTest, arraysHoldTheListsWithThePortalAsFirstDependency) {
     component.registerComponent(&accessor, nullptr);
     EXPECT_THAT(entries(component.table().interfaceArray), ElementsAre(&offered));
@@ -188,6 +231,35 @@ TEST_F(DalComponentTest, startAndStopReachTheOneObject) {
     EXPECT_EQ(&instance, &TinyComponent::instance());
     EXPECT_EQ(instance.table().start(DalStateChangeReasonUnspecified), 11);
     EXPECT_EQ(instance.table().stop(DalStateChangeReasonUnspecified), 12);
+}
+
+TEST_F(DalComponentTest, reasonsReachStartAndStopUnchanged) {
+    TinyComponent& instance = TinyComponent::instance();
+    instance.startReasons.clear();
+    instance.stopReasons.clear();
+    constexpr auto one = static_cast<DalStateChangeReason>(1);
+    instance.table().start(one);
+    instance.table().start(DalStateChangeReasonWidth);
+    instance.table().stop(DalStateChangeReasonWidth);
+    instance.table().stop(one);
+    EXPECT_THAT(instance.startReasons, ElementsAre(one, DalStateChangeReasonWidth));
+    EXPECT_THAT(instance.stopReasons, ElementsAre(DalStateChangeReasonWidth, one));
+}
+
+TEST_F(DalComponentTest, oneObjectIsMadeWhenSeveralThreadsAskFirst) {
+    std::vector<const SlowComponent*> objects(callers);
+    std::vector<std::thread> threads;
+    for (const SlowComponent*& object : objects) {
+        threads.emplace_back([&object] {
+            ++SlowComponent::asking;
+            object = &SlowComponent::instance();
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(SlowComponent::constructions, 1);
+    EXPECT_THAT(objects, Each(&SlowComponent::instance()));
 }
 
 }  // namespace

@@ -6,14 +6,16 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <ctime>
-#include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "ChildProcess.h"
+#include "FileText.h"
 #include "LogCapture.h"
 #include "TempFolder.h"
 
@@ -32,6 +34,7 @@ using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 using TevTest::ChildProcess;
+using TevTest::contents;
 using TevTest::LogRecord;
 using TevTest::TempFolder;
 
@@ -50,13 +53,6 @@ std::vector<std::string> texts(const std::string& log) {
         texts.push_back(record.text);
     }
     return texts;
-}
-
-std::string contents(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
 }
 
 /// The two ends of a pipe; an end that is closed has the number -1.
@@ -80,10 +76,17 @@ public:
     void closeReading() { closeEnd(0); }
     void closeWriting() { closeEnd(1); }
 
+    /// Returns once nothing more fits in, or fails when nobody can write any more.
     void waitUntilFull() const {
         const int capacity = fcntl(ends[0], F_GETPIPE_SZ);
-        for (int filled = 0; filled < capacity;) {
+        for (;;) {
+            int filled = 0;
             ASSERT_EQ(ioctl(ends[0], FIONREAD, &filled), 0);
+            if (filled >= capacity) {
+                return;
+            }
+            pollfd writers{ends[0], 0, 0};
+            ASSERT_EQ(poll(&writers, 1, 1), 0) << "no writer is left";
         }
     }
 

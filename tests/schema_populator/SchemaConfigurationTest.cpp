@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -10,6 +11,7 @@
 
 #include "LogCapture.h"
 #include "MemoryWatch.h"
+#include "StandardOutputOf.h"
 #include "TempFolder.h"
 #include "TevException.h"
 
@@ -118,6 +120,19 @@ TEST_F(SchemaConfigurationTest, timeoutIsWhatAtolMakesOfItsText) {
     expectLoad(withTimeout("0"), 0, {found("0"), exit()});
     expectLoad(withTimeout("1.9"), 1, {found("1"), exit()});
     expectLoad(withTimeout("x9"), 0, {found("0"), exit()});
+    expectLoad(withTimeout("010"), 10, {found("10"), exit()});
+    expectLoad(withTimeout("0x10"), 0, {found("0"), exit()});
+}
+
+TEST_F(SchemaConfigurationTest, timeoutMayBeAnyLong) {
+    std::vector<long> timeouts = {std::numeric_limits<long>::max(), std::numeric_limits<long>::min()};
+    if (sizeof(long) > 4) {
+        timeouts.push_back(static_cast<long>(1LL << 32));
+    }
+    for (const long timeout : timeouts) {
+        const std::string text = std::to_string(timeout);
+        expectLoad(withTimeout(text), timeout, {found(text), exit()});
+    }
 }
 
 TEST_F(SchemaConfigurationTest, missingTimeoutLeavesTheDefault) {
@@ -217,8 +232,7 @@ struct Outcome {
 Outcome loadFailing(SchemaConfiguration& configuration, const std::string& path, unsigned int nthNew,
                     MemoryWatch::Thrown thrown) {
     Outcome outcome;
-    testing::internal::CaptureStdout();
-    {
+    outcome.output = standardOutputOf([&] {
         MemoryWatch watch;
         watch.failNew(nthNew, thrown);
         try {
@@ -229,8 +243,7 @@ Outcome loadFailing(SchemaConfiguration& configuration, const std::string& path,
             outcome.threwInt = true;
         }
         outcome.failed = watch.failed();
-    }
-    outcome.output = testing::internal::GetCapturedStdout();
+    });
     return outcome;
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -146,7 +147,7 @@ TEST(SchemaDataTest, releasesAnOptionListsTextsThenItsArray) {
     EXPECT_THAT(watch.released(), ElementsAreArray(blocks));
 }
 
-TEST(SchemaDataTest, releasesNoNullList) {
+TEST(SchemaDataTest, releasingANullListDoesNothing) {
     MemoryWatch watch;
     SchemaData::releaseOptions(nullptr);
     EXPECT_THAT(watch.released(), IsEmpty());

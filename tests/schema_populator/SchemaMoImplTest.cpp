@@ -37,9 +37,9 @@ protected:
         catalogue.push_back(record);
     }
 
-    void* newIterator() {
+    void* newIterator(unsigned long transaction = txHandle) {
         void* iterator = nullptr;
-        EXPECT_EQ(moImpl.newMoIterator(txHandle, parentDn, "Schema", &iterator), 0);
+        EXPECT_EQ(moImpl.newMoIterator(transaction, parentDn, "Schema", &iterator), 0);
         return iterator;
     }
 
@@ -49,9 +49,9 @@ protected:
         return watch.released();
     }
 
-    std::vector<void*> releasedByFinish() {
+    std::vector<void*> releasedByFinish(unsigned long transaction = txHandle) {
         MemoryWatch watch;
-        EXPECT_EQ(moImpl.finish(txHandle), 0);
+        EXPECT_EQ(moImpl.finish(transaction), 0);
         return watch.released();
     }
 
@@ -175,6 +175,20 @@ TEST_F(SchemaMoImplTest, finishFreesHandlesKeysAndValuesAsTheyCame) {
     void* const values = value->values;
     void* const text = value->values[0].theString;
     EXPECT_THAT(releasedByFinish(), ElementsAre(iterator, first, value, values, text, second));
+}
+
+TEST_F(SchemaMoImplTest, finishFreesOnlyItsOwnTransactionsBlocks) {
+    add("a");
+    constexpr unsigned long other = txHandle + 1;
+    void* const iterator = newIterator();
+    char* key = nullptr;
+    DalMoAttributeValueContainer* value = nullptr;
+    EXPECT_EQ(moImpl.getMoAttribute(other, dnOf("a").c_str(), "schemaId", &value), 0);
+    EXPECT_EQ(moImpl.nextMo(iterator, &key), 0);
+    void* const values = value->values;
+    void* const text = value->values[0].theString;
+    EXPECT_THAT(releasedByFinish(other), ElementsAre(value, values, text));
+    EXPECT_THAT(releasedByFinish(), ElementsAre(iterator, key));
 }
 
 TEST_F(SchemaMoImplTest, missingMemoryForAKeyIsAFailureAndTheInstanceIsPassedOver) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -62,6 +63,23 @@ std::vector<void*> arrayLast(const std::vector<void*>& list) {
 
 std::vector<testing::Matcher<LogRecord>> noTransactionService() {
     return message(3, sourceFile, "join", "transaction Service is not avaliable");
+}
+
+// Initializing.
+
+TEST_F(SchemaPopulatorServiceTest, initializeLetsOtherExceptionsThrough) {
+    const std::string path = "/none/" + std::string(100, 'x');  // no small string holds it
+    const auto initializeWithoutMemory = [&](MemoryWatch::Thrown thrown) {
+        MemoryWatch watch;
+        watch.failNew(1, thrown);
+        service.initialize(path.c_str());
+    };
+    LogCapture log;
+    EXPECT_THROW(initializeWithoutMemory(MemoryWatch::Thrown::Int), int);
+    EXPECT_THAT(log.records(), ElementsAreArray(debugTrace(9, sourceFile, "initialize", " >> ")));
+    log.clear();
+    EXPECT_THROW(initializeWithoutMemory(MemoryWatch::Thrown::BadAlloc), std::bad_alloc);
+    EXPECT_THAT(log.records(), ElementsAreArray(debugTrace(9, sourceFile, "initialize", " >> ")));
 }
 
 // Taking part in transactions.
@@ -126,6 +144,17 @@ TEST_F(SchemaPopulatorServiceTest, isStartedBetweenASuccessfulStartAndTheNextSto
     EXPECT_FALSE(service.isStarted());
 }
 
+TEST_F(SchemaPopulatorServiceTest, stopBeforeAnyStartSucceeds) {
+    host.clearCalls();
+    const LogCapture log;
+    EXPECT_EQ(stop(), 0);
+    EXPECT_THAT(host.calls(), IsEmpty());
+    EXPECT_THAT(log.records(),
+                ElementsAreArray(inOrder({debugTrace(9, sourceFile, "stop", " >> ***** Stopping service *****"),
+                                          debugTrace(10, sourceFile, "stop", " << ")})));
+    EXPECT_FALSE(service.isStarted());
+}
+
 // The catalogue.
 
 TEST_F(SchemaPopulatorServiceTest, catalogueIsEmptyBeforeAnyStart) {
@@ -162,11 +191,12 @@ TEST_F(SchemaPopulatorServiceTest, stopReleasesEachListOnce) {
     std::vector<void*> released;
     {
         MemoryWatch watch;
-        start({withFeatures("One", {"Alpha", "Beta"}), FakeModel{"Two"}});
+        start({withFeatures("Own", {"Alpha", "Beta"}), FakeModel{"Sharing"}, withFeatures("Empty", {}),
+               FakeModel{"SharingTheEmptyOne"}, withFeatures("Later", {"Gamma"})});
         allocated = watch.allocated();
         released = watch.released();
     }
-    ASSERT_THAT(allocated, SizeIs(3));
+    ASSERT_THAT(allocated, SizeIs(6));
     EXPECT_THAT(released, IsEmpty());
     {
         MemoryWatch watch;
@@ -175,7 +205,28 @@ TEST_F(SchemaPopulatorServiceTest, stopReleasesEachListOnce) {
         stop();
         EXPECT_EQ(watch.released(), released);
     }
-    EXPECT_THAT(released, ElementsAreArray(arrayLast(allocated)));
+    EXPECT_THAT(released,
+                ElementsAre(allocated[1], allocated[2], allocated[0], allocated[3], allocated[5], allocated[4]));
+}
+
+TEST_F(SchemaPopulatorServiceTest, stopAfterAFailedFirstStartReleasesItsLists) {
+    host.failCall("getNextMom", -1, 2);
+    std::vector<void*> allocated;
+    std::vector<void*> released;
+    {
+        MemoryWatch watch;
+        EXPECT_EQ(start({withFeatures("One", {"Alpha"}), withFeatures("Two", {"Beta"}), FakeModel{"Three"}}), -1);
+        allocated = watch.allocated();
+        released = watch.released();
+    }
+    ASSERT_THAT(allocated, SizeIs(4));
+    EXPECT_THAT(released, IsEmpty());
+    {
+        MemoryWatch watch;
+        EXPECT_EQ(stop(), 0);
+        released = watch.released();
+    }
+    EXPECT_THAT(released, ElementsAre(allocated[1], allocated[0], allocated[3], allocated[2]));
 }
 
 TEST_F(SchemaPopulatorServiceTest, failingModelsOwnListIsReleasedAtOnce) {
@@ -224,6 +275,69 @@ TEST_F(SchemaPopulatorServiceTest, startDoesNotReleaseTheListsOfTheCatalogueBefo
     EXPECT_THAT(released, IsEmpty());
     ASSERT_THAT(allocated, SizeIs(2));
     SchemaData::releaseOptions(static_cast<const char**>(allocated[0]));
+}
+
+// The entry points.
+
+/// The process's one service, which the entry points lead to, started with one model.
+class SchemaPopulatorEntryPointsTest : public testing::Test {
+protected:
+    SchemaPopulatorEntryPointsTest() {
+        host.models = {FakeModel{modelName}};
+        EXPECT_EQ(dalLCMinit(host.accessor(), nullptr), 0);
+        EXPECT_EQ(host.component()->start(DalStateChangeReasonUnspecified), 0);
+        // What is made once is made now.
+        EXPECT_EQ(_tevSchemaPopulator_newMoIterator_if(txHandle, parentDn, "Schema", &iterator), 0);
+        DalMoAttributeValueContainer* value = nullptr;
+        EXPECT_EQ(_tevSchemaPopulator_getMoAttribute_if(txHandle, dn.c_str(), "version", &value), 0);
+    }
+
+    ~SchemaPopulatorEntryPointsTest() override {
+        EXPECT_EQ(_tevSchemaPopulator_finish_if(txHandle), 0);
+        EXPECT_EQ(host.component()->stop(DalStateChangeReasonUnspecified), 0);
+        dalLCMterminate();
+    }
+
+    /// Checks that what the first allocation of `read` throws comes out of it, and that nothing is said of it.
+    template <class Read>
+    static void expectThrough(Read read) {
+        const auto withoutMemory = [&read](MemoryWatch::Thrown thrown) {
+            MemoryWatch watch;
+            watch.failNew(1, thrown);
+            read();
+        };
+        const LogCapture log(7);  // all but the traces, which a read begins with
+        EXPECT_THROW(withoutMemory(MemoryWatch::Thrown::BadAlloc), std::bad_alloc);
+        EXPECT_THROW(withoutMemory(MemoryWatch::Thrown::Int), int);
+        EXPECT_THAT(log.records(), IsEmpty());
+    }
+
+    static constexpr unsigned long txHandle = 7;
+    static constexpr const char* parentDn = "ManagedElement=1,SystemFunctions=1,SysM=1";
+    const std::string modelName = std::string(100, 'a');  // no small string holds it
+    const std::string dn = parentDn + (",Schema=" + modelName);
+    FakeHost host;
+    void* iterator = nullptr;
+};
+
+TEST_F(SchemaPopulatorEntryPointsTest, exceptionsOfGetMoAttributePassThrough) {
+    DalMoAttributeValueContainer* value = nullptr;
+    expectThrough([&] { _tevSchemaPopulator_getMoAttribute_if(txHandle, dn.c_str(), "version", &value); });
+    EXPECT_EQ(value, nullptr);
+}
+
+TEST_F(SchemaPopulatorEntryPointsTest, exceptionsOfNewMoIteratorPassThrough) {
+    void* another = nullptr;
+    expectThrough([&] { _tevSchemaPopulator_newMoIterator_if(txHandle + 1, parentDn, "Schema", &another); });
+    EXPECT_EQ(another, nullptr);
+}
+
+TEST_F(SchemaPopulatorEntryPointsTest, exceptionsOfNextMoPassThrough) {
+    host.models.push_back(FakeModel{modelName});
+    EXPECT_EQ(host.component()->start(DalStateChangeReasonUnspecified), 0);  // an exception passes its instance over
+    char* key = nullptr;
+    expectThrough([&] { _tevSchemaPopulator_nextMo_if(iterator, &key); });
+    EXPECT_EQ(key, nullptr);
 }
 
 }  // namespace

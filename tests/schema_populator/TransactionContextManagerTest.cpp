@@ -4,11 +4,14 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <future>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -235,7 +238,11 @@ TEST(TransactionContextManagerTest, iteratorThatCannotBeNotedLeavesNothingBehind
         watch.failNew(nth);
         EXPECT_THROW(manager.getNewIteratorHandle(5), std::bad_alloc);
         manager.cleanup(5);
-        EXPECT_THAT(watch.released(), ElementsAreArray(watch.allocated()));
+        const std::vector<void*> allocated = watch.allocated();
+        EXPECT_THAT(watch.released(), ElementsAreArray(allocated));
+        for (void* const block : allocated) {
+            expectUnknown(manager, block);
+        }
     }
 }
 
@@ -371,11 +378,19 @@ TEST(TransactionContextManagerTest, operationsWaitForTheOneUnderWay) {
 }
 
 TEST(TransactionContextManagerTest, lockIsReleasedWhenAnIteratorIsUnknown) {
-    TransactionContextManager manager;
-    expectUnknown(manager, nullptr);
-    // The thread that got the exception could take its own lock again; another would wait for good.
-    std::thread([&manager] { manager.addMemory(5, nullptr); }).join();
-    EXPECT_THAT(releasedBy(manager, 5), ElementsAre(nullptr));
+    // Shared with the thread below, which would wait for good if the lock were kept.
+    const auto manager = std::make_shared<TransactionContextManager>();
+    expectUnknown(*manager, nullptr);
+    // The thread that got the exception could take its own lock again; another could not.
+    std::packaged_task<void()> task([manager] { manager->addMemory(5, nullptr); });
+    const std::future<void> done = task.get_future();
+    std::thread other(std::move(task));
+    if (done.wait_for(std::chrono::seconds(20)) != std::future_status::ready) {
+        other.detach();
+        FAIL() << "the lock is kept";
+    }
+    other.join();
+    EXPECT_THAT(releasedBy(*manager, 5), ElementsAre(nullptr));
 }
 
 TEST(TransactionContextManagerTest, threadsMayWorkInDifferentTransactionsAtOnce) {
