@@ -450,12 +450,21 @@ TEST_F(CatalogueContractTest, failingOrvaReleaseEndsTheWalk) {
     expectFatal(4, "Could not get orva mom release", {-1, -8, 7});
 }
 
-TEST_F(CatalogueContractTest, nullOrvaTextsReadAsEmptyOnes) {
-    const std::map<std::string, std::optional<std::string>> orva = {
-        {"orvaMomName", std::nullopt}, {"orvaMomVersion", std::nullopt}, {"orvaMomRelease", std::nullopt}};
-    EXPECT_EQ(walk({withOrva(bare("Mom"), orva)}), 0);
+TEST_F(CatalogueContractTest, nullOrvaNameAndVersionCountAsMissing) {
+    EXPECT_EQ(walk({withOrva(bare("Mom"), {{"orvaMomName", std::nullopt}, {"orvaMomVersion", std::nullopt}})}), 0);
+    EXPECT_THAT(log.records(), ElementsAreArray(succeeded({noOrvaName("Mom"), noOrvaVersion(), noVersion(), noRelease(),
+                                                           noCorrection(), added("Mom")})));
     EXPECT_THAT(valuesOf("Mom", "baseModelIdentifier"), IsEmpty());
-    EXPECT_THAT(valuesOf("Mom", "baseModelVersion"), ElementsAre("."));
+    EXPECT_THAT(valuesOf("Mom", "baseModelVersion"), IsEmpty());
+}
+
+TEST_F(CatalogueContractTest, nullOrvaReleaseCountsAsMissing) {
+    EXPECT_EQ(walk({withOrva(bare("Mom"), {{"orvaMomVersion", "3"}, {"orvaMomRelease", std::nullopt}})}), 0);
+    EXPECT_THAT(
+        log.records(),
+        ElementsAreArray(succeeded({noOrvaName("Mom"), warning("No OrvaMomRease was found baseModelVersion is not set"),
+                                    noVersion(), noRelease(), noCorrection(), added("Mom")})));
+    EXPECT_THAT(valuesOf("Mom", "baseModelVersion"), IsEmpty());
 }
 
 // The model's own version.

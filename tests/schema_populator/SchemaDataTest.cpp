@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -41,6 +42,14 @@ std::vector<void*> releasedBy(TransactionContextManager& transactions) {
     MemoryWatch watch;
     transactions.cleanup(txHandle);
     return watch.released();
+}
+
+/// How often `action` calls `new`.
+template <class Action>
+unsigned int newCallsOf(Action action) {
+    MemoryWatch watch;
+    action();
+    return watch.newCalls();
 }
 
 /// What `getValue` throws, or nothing.
@@ -246,6 +255,29 @@ TEST(SchemaDataTest, missingMemoryForATextIsNotNoticed) {
     EXPECT_EQ(container->nrOfValues, 1U);
     EXPECT_EQ(container->values[0].theString, nullptr);
     EXPECT_THAT(releasedBy(transactions), ElementsAre(container, values, nullptr));
+}
+
+TEST(SchemaDataTest, noBlockIsLostWhereverMemoryForItsRegistrationRunsOut) {
+    SchemaData record = filled();
+    record.selectedModelOptions = makeOptionList({"one", "two"});
+    for (const char* attributeName : {"version", "selectedModelOptions"}) {
+        const unsigned int allocations = newCallsOf([&record, attributeName] {
+            TransactionContextManager transactions;
+            record.getValue(attributeName, txHandle, transactions);
+            transactions.cleanup(txHandle);
+        });
+        ASSERT_GE(allocations, 4U);
+        for (unsigned int nth = 1; nth <= allocations; ++nth) {
+            SCOPED_TRACE(std::string(attributeName) + " " + std::to_string(nth));
+            TransactionContextManager transactions;
+            MemoryWatch watch;
+            watch.failNew(nth);
+            EXPECT_THROW(record.getValue(attributeName, txHandle, transactions), std::bad_alloc);
+            transactions.cleanup(txHandle);
+            EXPECT_THAT(watch.released(), testing::UnorderedElementsAreArray(watch.allocated()));
+        }
+    }
+    SchemaData::releaseOptions(record.selectedModelOptions);
 }
 
 TEST(SchemaDataTest, unknownAttributeThrowsBeforeAnythingIsAllocated) {

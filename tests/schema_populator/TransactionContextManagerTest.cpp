@@ -9,6 +9,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <new>
 #include <optional>
 #include <string>
 #include <thread>
@@ -224,6 +225,30 @@ TEST(TransactionContextManagerTest, missingMemoryForAnIteratorHandleIsNotNoticed
     EXPECT_THAT(manager.getNextIteratorContext(nullptr), Pair(0U, 5UL));
     EXPECT_THAT(releasedBy(manager, 5), ElementsAre(nullptr));
     expectUnknown(manager, nullptr);
+}
+
+TEST(TransactionContextManagerTest, iteratorThatCannotBeNotedLeavesNothingBehind) {
+    for (unsigned int nth = 1; nth <= 4; ++nth) {  // the transaction, its block, its handle, the iterator
+        SCOPED_TRACE(nth);
+        TransactionContextManager manager;
+        MemoryWatch watch;
+        watch.failNew(nth);
+        EXPECT_THROW(manager.getNewIteratorHandle(5), std::bad_alloc);
+        manager.cleanup(5);
+        EXPECT_THAT(watch.released(), ElementsAreArray(watch.allocated()));
+    }
+}
+
+TEST(TransactionContextManagerTest, blockThatCannotBeRegisteredIsFreed) {
+    for (const unsigned int nth : {1U, 2U}) {
+        SCOPED_TRACE(nth);
+        TransactionContextManager manager;
+        void* const block = strdup("block");
+        MemoryWatch watch;
+        watch.failNew(nth);
+        EXPECT_THROW(manager.addMemory(5, block), std::bad_alloc);
+        EXPECT_THAT(watch.released(), ElementsAre(block));
+    }
 }
 
 TEST(TransactionContextManagerTest, blocksOfOpenTransactionsOutliveTheManager) {

@@ -50,11 +50,15 @@ struct FakeHost::Tables {
     }
 
     static TevReturnT registerComponent(DalMgmtSpiComponent_2* component) {
-        const TevReturnT fault = current->note("registerComponent", component->base.componentName);
-        if (fault == TevReturnOk) {
-            current->registered = component;
+        if (const TevReturnT fault = current->note("registerComponent", component->base.componentName)) {
+            return fault;
         }
-        return fault;
+        if (component->interfaceArray == nullptr || component->dependencyArray == nullptr ||
+            component->extraArray == nullptr) {
+            return TevReturnInvalidArgument;
+        }
+        current->registered = component;
+        return TevReturnOk;
     }
 
     static TevReturnT unregisterComponent(DalMgmtSpiComponent_2* component) {
@@ -264,6 +268,11 @@ void FakeHost::failAnyCall(unsigned int nth, TevReturnT code) {
     faultsOfAny[totalCount + nth] = code;
 }
 
+void FakeHost::whenCalled(const std::string& operation, std::function<void()> action) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    actions[operation] = std::move(action);
+}
+
 void FakeHost::withdraw(const std::string& interfaceName) {
     withdrawn.insert(interfaceName);
 }
@@ -306,7 +315,13 @@ DalMgmtSpiInterface_1* FakeHost::findOffered(const std::string& interfaceName) c
 }
 
 TevReturnT FakeHost::note(const std::string& operation, const std::string& arguments) {
-    const std::lock_guard<std::mutex> lock(mutex);
+    std::unique_lock<std::mutex> lock(mutex);
+    if (const auto found = actions.find(operation); found != actions.end()) {
+        const std::function<void()> action = found->second;
+        lock.unlock();
+        action();
+        lock.lock();
+    }
     noted.push_back(arguments.empty() ? operation : operation + " " + arguments);
     const auto fault = faults.find({operation, ++counts[operation]});
     const auto faultOfAny = faultsOfAny.find(++totalCount);

@@ -2,6 +2,7 @@
 #define FAKE_HOST_H
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -55,6 +56,9 @@ public:
     /// The `nth` call of any operation from now on returns `code` and does nothing else.
     void failAnyCall(unsigned int nth, TevReturnT code);
 
+    /// Does `action` whenever `operation` is called, before anything else; what it throws goes to the caller.
+    void whenCalled(const std::string& operation, std::function<void()> action);
+
     /// The interface is no longer offered: `getInterface` gives -2 for it.
     void withdraw(const std::string& interfaceName);
 
@@ -95,6 +99,7 @@ private:
     unsigned int totalCount = 0;
     std::map<std::pair<std::string, unsigned int>, TevReturnT> faults;
     std::map<unsigned int, TevReturnT> faultsOfAny;
+    std::map<std::string, std::function<void()>> actions;
     std::set<std::string> withdrawn;
     DalMgmtSpiComponent_2* registered = nullptr;
     std::map<unsigned long, std::vector<DalOamSpiTransactionalResource_2*>> joined;
