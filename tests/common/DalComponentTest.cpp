@@ -11,7 +11,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsNull;
-using testing::NotNull;
 
 /// The host's side: what it was asked, and what it answers.
 struct Host {
@@ -71,6 +70,10 @@ public:
     const void* currentPortal() const { return portal; }
     const void* currentPortalV1() const { return portalV1; }
     const DalPortalAccessor* currentAccessor() const { return portalAccessor; }
+
+    std::vector<std::size_t> arraySizes() const {
+        return {interfaceArray.size(), dependencyArray.size(), extraArray.size()};
+    }
 
     TevReturnT initialization = 0;
 };
@@ -156,6 +159,7 @@ TEST_F(DalComponentTest, registeringAgainDoesNotDoubleTheArrays) {
     EXPECT_THAT(entries(component.table().interfaceArray), ElementsAre(&offered));
     EXPECT_THAT(entries(component.table().dependencyArray), ElementsAre(&Tev::Portal::COMP_ID, &needed));
     EXPECT_THAT(entries(component.table().extraArray), IsEmpty());
+    EXPECT_THAT(component.arraySizes(), ElementsAre(2U, 3U, 1U));
 }
 
 TEST_F(DalComponentTest, portalItselfDoesNotDependOnThePortal) {

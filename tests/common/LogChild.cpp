@@ -87,8 +87,9 @@ void logManyFromManyThreads() {
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 8; ++thread) {
         threads.emplace_back([thread] {
-            for (int i = 0; i < 500; ++i) {
-                log(std::to_string(thread) + ' ' + std::to_string(i) + ' ' + std::string(200, 'x'));
+            for (int i = 0; i < 100; ++i) {
+                // Longer than what a pipe takes in one piece.
+                log(std::to_string(thread) + ' ' + std::to_string(i) + ' ' + std::string(10000, 'x'));
             }
         });
     }
@@ -135,14 +136,25 @@ void logWhileTheDiskIsFull() {
     log("third");
     limitFileSize(RLIM_INFINITY);
     log("fourth");
+    limitFileSize(std::filesystem::file_size(std::getenv("TEV_LOG_FILE")));
     log("fifth");
+    limitFileSize(RLIM_INFINITY);
+    log("sixth");
 }
 
 void logWithoutMemory() {
     log("first");
     memoryGone = true;
     log(std::string(100000, 'x'));
-    log(std::string(100000, '\n'));
+    for (std::size_t plain = 0; plain < 4; ++plain) {
+        std::string text(plain, '-');
+        while (text.size() < 100000) {
+            text +=
+                "\x01"
+                "abc";
+        }
+        log(text);
+    }
     log("short");
     memoryGone = false;
     log(std::string(100000, 'z'));

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <ctime>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -21,10 +22,15 @@
 namespace {
 
 using testing::AllOf;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::EndsWith;
+using testing::Gt;
 using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::Lt;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
 using TevTest::ChildProcess;
 using TevTest::LogRecord;
 using TevTest::TempFolder;
@@ -216,12 +222,12 @@ TEST(LoggingWrapperProcessTest, threadsWriteWholeLinesToStandardErrorInTheirOrde
     std::map<std::string, int> next;
     for (const std::string& text : texts(pipe.readAll())) {
         const std::string thread = text.substr(0, text.find(' '));
-        EXPECT_EQ(text, thread + ' ' + std::to_string(next[thread]++) + ' ' + std::string(200, 'x'));
+        EXPECT_EQ(text, thread + ' ' + std::to_string(next[thread]++) + ' ' + std::string(10000, 'x'));
     }
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(next.size(), 8U);
     for (const auto& [thread, count] : next) {
-        EXPECT_EQ(count, 500) << thread;
+        EXPECT_EQ(count, 100) << thread;
     }
 }
 
@@ -255,21 +261,41 @@ TEST(LoggingWrapperProcessTest, recordCutByAFullDiskDoesNotSpoilTheNext) {
     const std::vector<std::string> logged = texts(contents(file));
     ASSERT_EQ(logged.size(), 4U);
     EXPECT_EQ(logged[0], "first");
-    EXPECT_THAT(logged[1], AllOf(testing::StartsWith("secondx"), testing::SizeIs(testing::Lt(1000U))));
+    EXPECT_THAT(logged[1], AllOf(StartsWith("secondx"), SizeIs(Lt(1000U))));
     EXPECT_EQ(logged[2], "fourth");
-    EXPECT_EQ(logged[3], "fifth");
+    EXPECT_EQ(logged[3], "sixth");
 }
 
 TEST(LoggingWrapperProcessTest, recordIsCutToWhatFitsWhenMemoryRunsOut) {
     ChildProcess child(LOG_CHILD, {"no-memory"}, {});
     EXPECT_EQ(child.wait(), 0);
     const std::vector<std::string> logged = texts(child.err());
-    ASSERT_EQ(logged.size(), 5U);
+    ASSERT_EQ(logged.size(), 8U);
     EXPECT_EQ(logged[0], "first");
-    EXPECT_THAT(logged[1], AllOf(testing::StartsWith(std::string(1000, 'x')), testing::SizeIs(testing::Lt(5000U))));
-    EXPECT_THAT(logged[2], AllOf(testing::StartsWith("\\n\\n"), EndsWith("\\n"), testing::SizeIs(testing::Gt(1000U))));
-    EXPECT_EQ(logged[3], "short");
-    EXPECT_EQ(logged[4], std::string(100000, 'z'));
+    EXPECT_THAT(logged[1], AllOf(StartsWith(std::string(1000, 'x')), SizeIs(Lt(5000U))));
+    for (std::size_t plain = 0; plain < 4; ++plain) {
+        std::string whole(plain, '-');
+        while (whole.size() < logged[2 + plain].size()) {
+            whole += "\\x01abc";
+        }
+        EXPECT_THAT(whole, StartsWith(logged[2 + plain]));
+        EXPECT_THAT(logged[2 + plain], SizeIs(Gt(1000U)));
+        EXPECT_THAT(logged[2 + plain], Not(AnyOf(EndsWith("\\"), EndsWith("\\x"), EndsWith("\\x0"))));
+    }
+    EXPECT_EQ(logged[6], "short");
+    EXPECT_EQ(logged[7], std::string(100000, 'z'));
+}
+
+TEST(LoggingWrapperProcessTest, timeIsUtcWhateverTheTimeZone) {
+    const std::time_t before = std::time(nullptr);
+    ChildProcess child(LOG_CHILD, {"once"}, {"TZ=East-10:30"});
+    EXPECT_EQ(child.wait(), 0);
+    const std::vector<LogRecord> records = parse(child.err());
+    ASSERT_EQ(records.size(), 1U);
+    std::tm utc{};
+    ASSERT_NE(strptime(records[0].time.c_str(), "%Y-%m-%dT%H:%M:%S", &utc), nullptr);
+    EXPECT_GE(timegm(&utc), before);
+    EXPECT_LE(timegm(&utc), std::time(nullptr));
 }
 
 TEST(LoggingWrapperProcessTest, closedStandardErrorDropsTheRecord) {

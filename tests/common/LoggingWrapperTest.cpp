@@ -17,7 +17,6 @@
 
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using Tev::LoggingWrapper;
 using TevTest::LogCapture;

@@ -274,6 +274,7 @@ TEST(RegularExpressionTest, longTextsMatch) {
     EXPECT_EQ(match("^begin.*aab.*end$", text), 0);
     EXPECT_EQ(match("^begin.*aaend$", text), 1);
     EXPECT_EQ(match("^begin[a]*end$", text), 1);
+    EXPECT_EQ(match("^begin.*aab.*end$", "begin" + std::string(1000000, 'a') + "b--end"), 1);
 }
 
 TEST(RegularExpressionTest, onlyLiteralsWildcardsAndAnchorsAreSpareOfRegexec) {

@@ -16,9 +16,8 @@ namespace Tev {
 /// An XML configuration file, held as a DOM.
 ///
 /// External entities are never followed. A document of more than `maxBytes`, with elements nested deeper than
-/// `maxDepth`, that declares more than `maxEntities` entities, or that grows too large when they are put in (its text
-/// and attributes to more than `maxBytes`, all of it to twice that), is refused before a DOM is built. One with more
-/// than about 4,000 different names is refused as well.
+/// `maxDepth`, that declares more than `maxEntities` entities, or that grows beyond `maxBytes` when they are put in, is
+/// refused before a DOM is built. One with more than about 4,000 different names is refused as well.
 ///
 /// Namespaces are not looked at: a prefix is part of the name.
 ///

@@ -10,7 +10,7 @@ namespace Tev::ProcessUtil {
 namespace {
 
 bool isFileName(const std::string& name) {
-    return !name.empty() && name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
+    return name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
 }
 
 bool isRegularFile(const std::string& path) {

@@ -9,12 +9,21 @@
 #include <algorithm>
 #include <istream>
 #include <streambuf>
+#include <string_view>
 
 namespace Tev {
 
 using Poco::XML::SAXParser;
 using Poco::XML::XMLReader;
 using Poco::XML::XMLString;
+
+namespace {
+
+constexpr std::size_t sizeOf(std::string_view markup) {
+    return markup.size();
+}
+
+}  // namespace
 
 /// The document in pieces, which ends early once there is an offence. An exception is no way out of the parser: it
 /// would have to pass C code.
@@ -40,8 +49,8 @@ private:
     char piece[4096];
 };
 
-XmlLimits::XmlLimits(std::size_t maxText, std::size_t maxDepth, std::size_t maxEntities)
-    : textLimit(maxText), depthLimit(maxDepth), entityLimit(maxEntities) {}
+XmlLimits::XmlLimits(std::size_t maxSize, std::size_t maxDepth, std::size_t maxEntities)
+    : sizeLimit(maxSize), depthLimit(maxDepth), entityLimit(maxEntities) {}
 
 XmlLimits::~XmlLimits() = default;
 
@@ -50,10 +59,8 @@ std::optional<XmlLimits::Offence> XmlLimits::check(const std::string& document) 
     parser.setFeature(XMLReader::FEATURE_NAMESPACES, false);
     parser.setFeature(XMLReader::FEATURE_EXTERNAL_GENERAL_ENTITIES, false);
     parser.setFeature(XMLReader::FEATURE_EXTERNAL_PARAMETER_ENTITIES, false);
-    // Elements and comments are not counted here, so the parser bounds what entities make of them.
-    parser.setProperty(SAXParser::PROPERTY_BLA_MAXIMUM_AMPLIFICATION, "1.0");
-    parser.setProperty(SAXParser::PROPERTY_BLA_ACTIVATION_THRESHOLD, std::to_string(2 * textLimit));
     parser.setContentHandler(this);
+    parser.setProperty(XMLReader::PROPERTY_LEXICAL_HANDLER, static_cast<Poco::XML::LexicalHandler*>(this));
     parser.setProperty(XMLReader::PROPERTY_DECLARATION_HANDLER, static_cast<Poco::XML::DeclHandler*>(this));
     Source source(document, offence);
     std::istream stream(&source);
@@ -69,10 +76,10 @@ std::optional<XmlLimits::Offence> XmlLimits::check(const std::string& document) 
     return offence;
 }
 
-void XmlLimits::countText(std::size_t bytes) {
-    text += bytes;
-    if (text > textLimit) {
-        note(textLimit, "bytes of text and attributes with entities put in");
+void XmlLimits::countContent(std::size_t bytes) {
+    size += bytes;
+    if (size > sizeLimit) {
+        note(sizeLimit, "bytes with entities put in");
     }
 }
 
@@ -92,13 +99,14 @@ void XmlLimits::setDocumentLocator(const Poco::XML::Locator* documentLocator) {
     locator = documentLocator;
 }
 
-void XmlLimits::startElement(const XMLString& /*uri*/, const XMLString& /*localName*/,
-                             const XMLString& /*qualifiedName*/, const Poco::XML::Attributes& attributes) {
+void XmlLimits::startElement(const XMLString& /*uri*/, const XMLString& /*localName*/, const XMLString& qualifiedName,
+                             const Poco::XML::Attributes& attributes) {
     if (++depth > depthLimit) {
         note(depthLimit, "levels of elements");
     }
+    countContent(sizeOf("</>") + qualifiedName.size());
     for (int i = 0; i < attributes.getLength(); ++i) {
-        countText(attributes.getQName(i).size() + attributes.getValue(i).size());
+        countContent(sizeOf(" =''") + attributes.getQName(i).size() + attributes.getValue(i).size());
     }
 }
 
@@ -108,8 +116,30 @@ void XmlLimits::endElement(const XMLString& /*uri*/, const XMLString& /*localNam
 }
 
 void XmlLimits::characters(const Poco::XML::XMLChar* /*text*/, int /*start*/, int length) {
-    countText(static_cast<std::size_t>(length));
+    countContent(static_cast<std::size_t>(length));
 }
+
+void XmlLimits::processingInstruction(const XMLString& target, const XMLString& data) {
+    countContent(sizeOf("<?") + sizeOf("?>") + target.size() + data.size());
+}
+
+void XmlLimits::comment(const Poco::XML::XMLChar* /*text*/, int /*start*/, int length) {
+    countContent(sizeOf("<!---->") + static_cast<std::size_t>(length));
+}
+
+void XmlLimits::startCDATA() {
+    countContent(sizeOf("<![CDATA[]]>"));
+}
+
+void XmlLimits::endCDATA() {}
+
+void XmlLimits::startDTD(const XMLString& /*name*/, const XMLString& /*publicId*/, const XMLString& /*systemId*/) {}
+
+void XmlLimits::endDTD() {}
+
+void XmlLimits::startEntity(const XMLString& /*name*/) {}
+
+void XmlLimits::endEntity(const XMLString& /*name*/) {}
 
 void XmlLimits::internalEntityDecl(const XMLString& /*name*/, const XMLString& /*value*/) {
     countEntity();

@@ -3,6 +3,7 @@
 
 #include <Poco/SAX/DeclHandler.h>
 #include <Poco/SAX/DefaultHandler.h>
+#include <Poco/SAX/LexicalHandler.h>
 
 #include <cstddef>
 #include <optional>
@@ -11,7 +12,7 @@
 namespace Tev {
 
 /// Goes through an XML document without building anything of it, to find what a DOM parser should not be given.
-class XmlLimits : private Poco::XML::DefaultHandler, private Poco::XML::DeclHandler {
+class XmlLimits : private Poco::XML::DefaultHandler, private Poco::XML::LexicalHandler, private Poco::XML::DeclHandler {
 public:
     /// Where a document has more of something than it may.
     struct Offence {
@@ -20,10 +21,10 @@ public:
         const char* what;  ///< what there is too much of, as in "more than 64 levels"; lives for ever
     };
 
-    /// The largest amount of text and attributes in bytes (as UTF-8, with entities and default values put in), the
-    /// deepest nesting of elements (the root is the first level) and the highest number of entity declarations: the
+    /// The largest size in bytes (as UTF-8, written as short as can be, with entities and default attributes put in),
+    /// the deepest nesting of elements (the root is the first level) and the highest number of entity declarations: the
     /// parser calls itself for every entity inside another.
-    XmlLimits(std::size_t textLimit, std::size_t depthLimit, std::size_t entityLimit);
+    XmlLimits(std::size_t maxSize, std::size_t maxDepth, std::size_t maxEntities);
     ~XmlLimits() override;
 
     /// Returns the first offence in `document`, if there is one. Reading stops there, so the cost is bounded whatever
@@ -34,7 +35,7 @@ public:
 private:
     class Source;
 
-    void countText(std::size_t bytes);
+    void countContent(std::size_t bytes);
     void countEntity();
     void note(std::size_t limit, const char* what);
 
@@ -44,6 +45,15 @@ private:
     void endElement(const Poco::XML::XMLString& uri, const Poco::XML::XMLString& localName,
                     const Poco::XML::XMLString& qualifiedName) override;
     void characters(const Poco::XML::XMLChar* text, int start, int length) override;
+    void processingInstruction(const Poco::XML::XMLString& target, const Poco::XML::XMLString& data) override;
+    void comment(const Poco::XML::XMLChar* text, int start, int length) override;
+    void startCDATA() override;
+    void endCDATA() override;
+    void startDTD(const Poco::XML::XMLString& name, const Poco::XML::XMLString& publicId,
+                  const Poco::XML::XMLString& systemId) override;
+    void endDTD() override;
+    void startEntity(const Poco::XML::XMLString& name) override;
+    void endEntity(const Poco::XML::XMLString& name) override;
     void internalEntityDecl(const Poco::XML::XMLString& name, const Poco::XML::XMLString& value) override;
     void externalEntityDecl(const Poco::XML::XMLString& name, const Poco::XML::XMLString* publicId,
                             const Poco::XML::XMLString& systemId) override;
@@ -51,11 +61,11 @@ private:
                        const Poco::XML::XMLString* valueDefault, const Poco::XML::XMLString* value) override;
     void elementDecl(const Poco::XML::XMLString& name, const Poco::XML::XMLString& model) override;
 
-    const std::size_t textLimit;
+    const std::size_t sizeLimit;
     const std::size_t depthLimit;
     const std::size_t entityLimit;
     const Poco::XML::Locator* locator = nullptr;
-    std::size_t text = 0;
+    std::size_t size = 0;
     std::size_t depth = 0;
     std::size_t entities = 0;
     std::optional<Offence> offence;
