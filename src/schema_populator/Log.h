@@ -1,31 +1,31 @@
-#ifndef LOG_H
-#define LOG_H
+#ifndef TEV_SCHEMA_POPULATOR_LOG_H
+#define TEV_SCHEMA_POPULATOR_LOG_H
 
 #include "LoggingWrapper.h"
 
 // How the component writes to the log. A file that uses these macros has a constant `sourceFile`, its path without the
 // extension. Arguments are evaluated only when the record is wanted, and then once for each of the two records.
 
-/// A message of `LEVEL` (3 error, 4 warning, 5 refused write, 6 notice): to the log and, the same, to the trace.
-#define SCHEMA_LOG_AS(FUNCTION_NAME, LEVEL, ...)                                                                  \
-    do {                                                                                                          \
-        Tev::LoggingWrapper& wrapper = Tev::LoggingWrapper::instance();                                           \
-        if (wrapper.get_level() >= (LEVEL)) {                                                                     \
-            wrapper.log_printf(FUNCTION_NAME, LEVEL, 1, __VA_ARGS__);                                             \
-            wrapper.trace_v2_printf(Tev::Trace::Schema, LEVEL, sourceFile, FUNCTION_NAME, __LINE__, __VA_ARGS__); \
-        }                                                                                                         \
+/// A message of `LEVEL`, a `LogLevel`: to the log and, the same, to the trace.
+#define SCHEMA_LOG_AS(FUNCTION_NAME, LEVEL, ...)                                                                    \
+    do {                                                                                                            \
+        Tev::LoggingWrapper& schemaLog = Tev::LoggingWrapper::instance();                                           \
+        if (schemaLog.get_level() >= (LEVEL)) {                                                                     \
+            schemaLog.log_printf(FUNCTION_NAME, LEVEL, 1, __VA_ARGS__);                                             \
+            schemaLog.trace_v2_printf(Tev::Trace::Schema, LEVEL, sourceFile, FUNCTION_NAME, __LINE__, __VA_ARGS__); \
+        }                                                                                                           \
     } while (false)
 
 #define SCHEMA_LOG(LEVEL, ...) SCHEMA_LOG_AS(__func__, LEVEL, __VA_ARGS__)
 
-/// A debug trace of `KIND`, one of the three below.
-#define SCHEMA_TRACE_AS(FUNCTION_NAME, KIND, ...)                                                              \
-    do {                                                                                                       \
-        Tev::LoggingWrapper& wrapper = Tev::LoggingWrapper::instance();                                        \
-        if (wrapper.get_level() >= 8) {                                                                        \
-            wrapper.trace_printf(sourceFile, FUNCTION_NAME, __LINE__, KIND, __VA_ARGS__);                      \
-            wrapper.trace_v2_printf(Tev::Trace::Schema, 14, sourceFile, FUNCTION_NAME, __LINE__, __VA_ARGS__); \
-        }                                                                                                      \
+/// A debug trace of `KIND`, a `TraceKind`.
+#define SCHEMA_TRACE_AS(FUNCTION_NAME, KIND, ...)                                                                \
+    do {                                                                                                         \
+        Tev::LoggingWrapper& schemaLog = Tev::LoggingWrapper::instance();                                        \
+        if (schemaLog.get_level() >= 8) {                                                                        \
+            schemaLog.trace_printf(sourceFile, FUNCTION_NAME, __LINE__, KIND, __VA_ARGS__);                      \
+            schemaLog.trace_v2_printf(Tev::Trace::Schema, 14, sourceFile, FUNCTION_NAME, __LINE__, __VA_ARGS__); \
+        }                                                                                                        \
     } while (false)
 
 #define SCHEMA_TRACE(KIND, ...) SCHEMA_TRACE_AS(__func__, KIND, __VA_ARGS__)

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <sstream>
 
 #include "TevException.h"
@@ -12,24 +13,29 @@ namespace TevSchemaPopulator {
 
 namespace {
 
+struct FreeCells {
+    void operator()(DalMoAttributeValue* cells) const { std::free(cells); }
+};
+
 /// Builds values in memory of a transaction: everything is allocated with `malloc`, because the transaction ends with
-/// a `free` of each block.
+/// a `free` of each block. The order in which the blocks are registered is the order of those frees.
+///
+/// Only the container of a single value is checked for lack of memory.
 class ValueBuilder {
 public:
     ValueBuilder(unsigned long handle, TransactionContextManager& manager) : txHandle(handle), transactions(manager) {}
 
     /// Always one value, also for an empty text.
     DalMoAttributeValueContainer* single(const std::string& text) const {
-        auto* container = static_cast<DalMoAttributeValueContainer*>(std::malloc(sizeof(DalMoAttributeValueContainer)));
+        auto* const container = allocate<DalMoAttributeValueContainer>(1);
         if (container == nullptr) {
             throw Tev::TevException(TevReturnNoMemory, "Could not allocate memory for attribute value container");
         }
         transactions.addMemory(txHandle, container);
-        container->values = newCells(1);
-        transactions.addMemory(txHandle, container->values);
-        container->type = DalMoTypeString;
-        container->nrOfValues = 1;
-        container->values[0].theString = newText(text.c_str());
+        auto* const cell = allocate<DalMoAttributeValue>(1);
+        transactions.addMemory(txHandle, cell);
+        *container = {DalMoTypeString, 1, cell};
+        cell->theString = newText(text.c_str());
         return container;
     }
 
@@ -43,47 +49,36 @@ public:
         if (entries == nullptr) {
             return empty();
         }
-        DalMoAttributeValueContainer* container = newContainer();
-        container->nrOfValues = count(entries);
-        container->values = newCells(container->nrOfValues);
+        DalMoAttributeValueContainer* const container = empty();
+        while (entries[container->nrOfValues] != nullptr) {
+            ++container->nrOfValues;
+        }
+        std::unique_ptr<DalMoAttributeValue, FreeCells> cells(allocate<DalMoAttributeValue>(container->nrOfValues));
+        container->values = cells.get();
         for (std::uint32_t i = 0; i < container->nrOfValues; ++i) {
             container->values[i].theString = newText(entries[i]);
         }
-        transactions.addMemory(txHandle, container->values);
+        transactions.addMemory(txHandle, cells.release());
         return container;
     }
 
 private:
     DalMoAttributeValueContainer* empty() const {
-        DalMoAttributeValueContainer* container = newContainer();
-        container->nrOfValues = 0;
-        container->values = nullptr;
-        return container;
-    }
-
-    DalMoAttributeValueContainer* newContainer() const {
-        auto* container = static_cast<DalMoAttributeValueContainer*>(std::malloc(sizeof(DalMoAttributeValueContainer)));
+        auto* const container = allocate<DalMoAttributeValueContainer>(1);
         transactions.addMemory(txHandle, container);
-        container->type = DalMoTypeString;
+        *container = {DalMoTypeString, 0, nullptr};
         return container;
     }
 
     char* newText(const char* text) const {
-        char* copy = strdup(text);
+        char* const copy = strdup(text);
         transactions.addMemory(txHandle, copy);
         return copy;
     }
 
-    static DalMoAttributeValue* newCells(std::uint32_t count) {
-        return static_cast<DalMoAttributeValue*>(std::malloc(count * sizeof(DalMoAttributeValue)));
-    }
-
-    static std::uint32_t count(const char* const* entries) {
-        std::uint32_t count = 0;
-        while (entries[count] != nullptr) {
-            ++count;
-        }
-        return count;
+    template <class T>
+    static T* allocate(std::uint32_t count) {
+        return static_cast<T*>(std::malloc(count * sizeof(T)));
     }
 
     const unsigned long txHandle;

@@ -23,7 +23,8 @@ public:
     std::string fileName;          ///< the last component of `completeFileName`
 
     /// The MOM's feature names as the repository gave them: a null-terminated array made with `new[]`, of texts made
-    /// with `strdup`. Null when the repository gave none. The catalogue owns it, see `releaseOptions`.
+    /// with `strdup`. Null when the repository gave none. The catalogue owns it;
+    /// `SchemaMoImpl::cleanup` releases it at stop.
     const char** selectedModelOptions = nullptr;
 
     /// One line that shows the record in a trace: all but `fileName` and the options.

@@ -1,7 +1,5 @@
 #include "SchemaPopulatorService.h"
 
-#include <cstring>
-#include <memory>
 #include <set>
 #include <string>
 
@@ -18,8 +16,9 @@ constexpr const char* componentName = "TevSchemaMoService";
 constexpr const char* configurationFile = "libtev_schema_populator.cfg";
 constexpr const char* orvaDomain = "ORVA";
 
-// Required at registration. The repository is required in version "1" but fetched in version "4", and the transaction
-// service is fetched without being required: both are what the framework knows this component by.
+// Required at registration, in lists that hold pointers to what is not constant. The repository is required in version
+// "1" but fetched in version "4", and the transaction service is fetched without being required: both are what the
+// framework knows this component by.
 DalMgmtSpiInterface_1 modelRepositoryDependency = {"DalOamSpiModelRepositoryService", "DalOamSpiModelRepository", "1"};
 DalMgmtSpiInterface_1 cmRouterDependency = {"DalOamSpiCmRouterService", "DalOamSpiManagedObject", "1"};
 DalMgmtSpiInterface_1 threadContextInterface = {"DalMgmtSpiThreadContextService", "DalMgmtSpiThreadContext", "2"};
@@ -31,7 +30,8 @@ constexpr DalMgmtSpiInterface_1 modelRepositoryInterface = {"DalOamSpiModelRepos
 constexpr DalMgmtSpiInterface_1 repositoryExtensionInterface = {"DalOamSpiModelRepositoryService",
                                                                 "DalOamSpiModelRepositoryExtension", "1"};
 
-/// Fetches an interface; whatever the portal gives goes into `table`.
+/// Fetches an interface. What the portal gives goes into `table`, also when it reports a failure, by way of a `void*`,
+/// since a pointer to a pointer of one type may not be used as one of another.
 template <class Table>
 TevReturnT fetch(const DalPortal_3& portal, const DalMgmtSpiInterface_1& wanted, Table*& table) {
     void* found = table;
@@ -41,12 +41,20 @@ TevReturnT fetch(const DalPortal_3& portal, const DalMgmtSpiInterface_1& wanted,
     return result;
 }
 
-/// The function that the records of the helpers below are written under: they are its steps.
+/// The helpers below are the steps of this function, and what they log bears its name.
 constexpr const char* populateFunction = "populateSchemaData";
 
-/// The repository hands texts out as pointers; one that it leaves null reads as an empty text.
+/// A name or path that the repository leaves null reads as an empty text.
 std::string textOf(const char* text) {
     return text == nullptr ? std::string() : std::string(text);
+}
+
+/// Reads a value of the domain "ORVA". Success without a value counts as not found.
+TevReturnT getOrvaValue(const DalOamSpiMrGeneralProperties_4& table, DalOamSpiMrGeneralPropertiesHandle_4T properties,
+                        const char* key, const char*& value) {
+    value = nullptr;
+    const TevReturnT result = table.getGeneralDomainValue(properties, orvaDomain, key, &value);
+    return result == TevReturnOk && value == nullptr ? TevReturnNotFound : result;
 }
 
 TevReturnT readName(const DalOamSpiModelRepository_4& repository, DalOamSpiMrMomHandle_4T mom,
@@ -70,7 +78,7 @@ TevReturnT readName(const DalOamSpiModelRepository_4& repository, DalOamSpiMrMom
 TevReturnT readBaseModelIdentifier(const DalOamSpiMrGeneralProperties_4& table,
                                    DalOamSpiMrGeneralPropertiesHandle_4T properties, SchemaData& record) {
     const char* name = nullptr;
-    const TevReturnT result = table.getGeneralDomainValue(properties, orvaDomain, "orvaMomName", &name);
+    const TevReturnT result = getOrvaValue(table, properties, "orvaMomName", name);
     if (result == TevReturnNotFound) {
         SCHEMA_TRACE_AS(populateFunction, TraceDebug, "No OrvaMomName was found baseModelIdentifier is not set, id :%s",
                         record.identifier.c_str());
@@ -80,7 +88,7 @@ TevReturnT readBaseModelIdentifier(const DalOamSpiMrGeneralProperties_4& table,
         SCHEMA_LOG_AS(populateFunction, LogError, "Could not get orva mom name");
         return result;
     }
-    record.baseModelIdentifier = textOf(name);
+    record.baseModelIdentifier = name;
     return TevReturnOk;
 }
 
@@ -88,7 +96,7 @@ TevReturnT readBaseModelIdentifier(const DalOamSpiMrGeneralProperties_4& table,
 TevReturnT readBaseModelVersion(const DalOamSpiMrGeneralProperties_4& table,
                                 DalOamSpiMrGeneralPropertiesHandle_4T properties, SchemaData& record) {
     const char* version = nullptr;
-    TevReturnT result = table.getGeneralDomainValue(properties, orvaDomain, "orvaMomVersion", &version);
+    TevReturnT result = getOrvaValue(table, properties, "orvaMomVersion", version);
     if (result == TevReturnNotFound) {
         SCHEMA_TRACE_AS(populateFunction, TraceDebug, "No OrvaMomVersion was found baseModelVersion is not set");
         return TevReturnOk;
@@ -98,7 +106,7 @@ TevReturnT readBaseModelVersion(const DalOamSpiMrGeneralProperties_4& table,
         return result;
     }
     const char* release = nullptr;
-    result = table.getGeneralDomainValue(properties, orvaDomain, "orvaMomRelease", &release);
+    result = getOrvaValue(table, properties, "orvaMomRelease", release);
     if (result == TevReturnNotFound) {
         SCHEMA_LOG_AS(populateFunction, LogWarning, "No OrvaMomRease was found baseModelVersion is not set");
         return TevReturnOk;
@@ -107,7 +115,7 @@ TevReturnT readBaseModelVersion(const DalOamSpiMrGeneralProperties_4& table,
         SCHEMA_LOG_AS(populateFunction, LogError, "Could not get orva mom release");
         return result;
     }
-    record.baseModelVersion = textOf(version) + "." + textOf(release);
+    record.baseModelVersion = std::string(version) + "." + release;
     const char* correction = nullptr;
     result = table.getGeneralDomainValue(properties, orvaDomain, "orvaMomCorrection", &correction);
     if (result != TevReturnOk) {
@@ -200,18 +208,6 @@ TevReturnT readFileName(const DalOamSpiModelRepositoryExtension_1& extension, co
     record.fileName = record.completeFileName.substr(slash + 1);
     return TevReturnOk;
 }
-
-/// Releases the options of a record that does not make it into the catalogue, unless a listed record has them too.
-struct UnlistedOptions {
-    ~UnlistedOptions() {
-        if (record.selectedModelOptions != listed) {
-            SchemaData::releaseOptions(record.selectedModelOptions);
-        }
-    }
-
-    const SchemaData& record;
-    const char** const& listed;  ///< those of the last record of the catalogue
-};
 
 }  // namespace
 
@@ -330,8 +326,26 @@ bool SchemaPopulatorService::isStarted() const {
     return started;
 }
 
+namespace {
+
+/// Releases, when it goes, the options of a record that did not make it into the catalogue, unless the last record of
+/// the catalogue has them too.
+struct UnlistedOptions {
+    const SchemaData& record;
+    const char** const& listed;  ///< the options of the last record of the catalogue, as they are when this goes
+
+    ~UnlistedOptions() {
+        if (record.selectedModelOptions != listed) {
+            SchemaData::releaseOptions(record.selectedModelOptions);
+        }
+    }
+};
+
+}  // namespace
+
 TevReturnT SchemaPopulatorService::initSchemaDataVector(DalOamSpiModelRepository_4& repository,
                                                         DalOamSpiModelRepositoryExtension_1& extension) {
+    // The option lists of an earlier catalogue are the business of the stop before this start.
     schemaData.clear();
     // Never added to: a model is listed also when its file name was seen before.
     const std::set<std::string> fileNames;
@@ -350,11 +364,11 @@ TevReturnT SchemaPopulatorService::initSchemaDataVector(DalOamSpiModelRepository
         if (fileNames.find(record.completeFileName) == fileNames.end()) {
             SCHEMA_TRACE(TraceDebug, "Added schemaData file [%s]", record.getDebugString().c_str());
             schemaData.push_back(record);
+            options = record.selectedModelOptions;
         } else {
             // Out of reach, see above.
             SCHEMA_TRACE(TraceDebug, "File [%s] is already inserted.", record.completeFileName.c_str());
         }
-        options = record.selectedModelOptions;
         status = repository.mom->getNextMom(mom, &mom);
     }
     return status == TevReturnNotFound ? TevReturnOk : status;
@@ -396,7 +410,7 @@ using TevSchemaPopulator::LogNotice;
 using TevSchemaPopulator::LogRefused;
 using TevSchemaPopulator::sourceFile;
 
-constexpr const char* notStarted = "SchemaPopulator is not started";
+constexpr char notStarted[] = "SchemaPopulator is not started";
 
 TevSchemaPopulator::SchemaPopulatorService& service() {
     return Tev::DalComponent<TevSchemaPopulator::SchemaPopulatorService>::instance();
@@ -404,6 +418,15 @@ TevSchemaPopulator::SchemaPopulatorService& service() {
 
 TevSchemaPopulator::SchemaMoImpl& moImpl() {
     return *service().getSchemaMoImpl();
+}
+
+/// Whether a call has to be refused because the component is not started; says so under the entry point's name.
+bool isRefused(const char* entryPoint) {
+    if (service().isStarted()) {
+        return false;
+    }
+    SCHEMA_LOG_AS(entryPoint, LogError, notStarted);
+    return true;
 }
 
 }  // namespace
@@ -417,8 +440,7 @@ void dalLCMterminate() {
 }
 
 TevReturnT _tevSchemaPopulator_join_if(unsigned long txHandle) {
-    if (!service().isStarted()) {
-        SCHEMA_LOG(LogError, "%s", notStarted);
+    if (isRefused(__func__)) {
         return TevReturnNotStarted;
     }
     return service().join(txHandle);
@@ -439,7 +461,7 @@ TevReturnT _tevSchemaPopulator_abort_if(unsigned long) {
 TevReturnT _tevSchemaPopulator_finish_if(unsigned long txHandle) {
     if (!service().isStarted()) {
         // A transaction may outlive the component's stop, and its memory must go all the same.
-        SCHEMA_LOG(LogNotice, "%s", notStarted);
+        SCHEMA_LOG(LogNotice, notStarted);
     }
     return moImpl().finish(txHandle);
 }
@@ -456,8 +478,7 @@ TevReturnT _tevSchemaPopulator_setMoAttribute_if(unsigned long, const char*, con
 
 TevReturnT _tevSchemaPopulator_getMoAttribute_if(unsigned long txHandle, const char* dn, const char* attributeName,
                                                  DalMoAttributeValueContainer** result) {
-    if (!service().isStarted()) {
-        SCHEMA_LOG(LogError, "%s", notStarted);
+    if (isRefused(__func__)) {
         return TevReturnNotStarted;
     }
     return moImpl().getMoAttribute(txHandle, dn, attributeName, result);
@@ -465,16 +486,14 @@ TevReturnT _tevSchemaPopulator_getMoAttribute_if(unsigned long txHandle, const c
 
 TevReturnT _tevSchemaPopulator_newMoIterator_if(unsigned long txHandle, const char* parentDn, const char* className,
                                                 void** iterator) {
-    if (!service().isStarted()) {
-        SCHEMA_LOG(LogError, "%s", notStarted);
+    if (isRefused(__func__)) {
         return TevReturnNotStarted;
     }
     return moImpl().newMoIterator(txHandle, parentDn, className, iterator);
 }
 
 TevReturnT _tevSchemaPopulator_nextMo_if(void* iterator, char** result) {
-    if (!service().isStarted()) {
-        SCHEMA_LOG(LogError, "%s", notStarted);
+    if (isRefused(__func__)) {
         return TevReturnNotStarted;
     }
     return moImpl().nextMo(iterator, result);
@@ -493,8 +512,7 @@ TevReturnT _tevSchemaPopulator_deleteMo_if(unsigned long, const char*) {
 
 TevReturnT _tevSchemaPopulator_action_if(unsigned long, const char*, const char*, DalMoAttributeValueContainer**,
                                          DalMoAttributeValueContainer**) {
-    if (!service().isStarted()) {
-        SCHEMA_LOG(LogError, "%s", notStarted);
+    if (isRefused(__func__)) {
         return TevReturnNotStarted;
     }
     return TevReturnFailure;

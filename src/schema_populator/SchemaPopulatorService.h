@@ -62,8 +62,8 @@ namespace TevSchemaPopulator {
 
 /// The component: its registration, its life between start and stop, and the catalogue of the node's models.
 ///
-/// The framework calls the operations of the lifecycle one at a time; `join` and `isStarted` may be called from any
-/// thread. The catalogue is changed by `start` and `stop` only.
+/// The framework calls the operations of the lifecycle one at a time, and while no other call is under way; `join` and
+/// `isStarted` may be called from any thread. The catalogue is changed by `start` and `stop` only.
 class SchemaPopulatorService : public Tev::DalComponent<SchemaPopulatorService> {
 public:
     SchemaPopulatorService();
@@ -110,8 +110,8 @@ private:
     std::vector<SchemaData> schemaData;
     DalOamSpiTransactionalResource_2 transactionalResourceIf;
     DalOamSpiManagedObject_1 managedObjectIf;
-    DalOamSpiTransaction_2* transaction = nullptr;  ///< set by the first `start` that gets so far
-    [[maybe_unused]] void* reservedInterface = nullptr;
+    DalOamSpiTransaction_2* transaction = nullptr;       ///< set by the first `start` that gets so far
+    [[maybe_unused]] void* reservedInterface = nullptr;  ///< for a second framework service; not used
 };
 
 }  // namespace TevSchemaPopulator

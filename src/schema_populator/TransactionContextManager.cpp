@@ -2,8 +2,8 @@
 
 #include <Poco/ScopedLock.h>
 
-#include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 #include "TevException.h"
 
@@ -15,19 +15,29 @@ constexpr std::size_t iteratorBlockSize = 4;
 
 using Lock = Poco::ScopedLock<Poco::Mutex>;
 
+/// A block from `malloc` that is freed unless a transaction has taken it over.
+struct FreeBlock {
+    void operator()(void* block) const { std::free(block); }
+};
+using Block = std::unique_ptr<void, FreeBlock>;
+
 }  // namespace
 
 void TransactionContextManager::addMemory(unsigned long txHandle, void* block) {
+    Block unregistered(block);
     const Lock lock(mutex);
     transactionContexts[txHandle].memoryBlocks.push_back(block);
+    unregistered.release();
 }
 
 void* TransactionContextManager::getNewIteratorHandle(unsigned long txHandle) {
     const Lock lock(mutex);
     TransactionContext& context = transactionContexts[txHandle];
-    void* const itHandle = std::malloc(iteratorBlockSize);
-    context.iteratorHandles.push_back(itHandle);
+    Block unregistered(std::malloc(iteratorBlockSize));
+    void* const itHandle = unregistered.get();
     context.memoryBlocks.push_back(itHandle);
+    unregistered.release();
+    context.iteratorHandles.push_back(itHandle);
     iteratorContexts[itHandle] = {0, txHandle};
     return itHandle;
 }
@@ -51,12 +61,16 @@ void TransactionContextManager::cleanup(unsigned long txHandle) {
         return;
     }
     const TransactionContext& context = found->second;
-    std::for_each(context.iteratorHandles.begin(), context.iteratorHandles.end(),
-                  DestroyIteratorContext(&iteratorContexts));
-    std::for_each(context.memoryBlocks.begin(), context.memoryBlocks.end(), std::free);
+    const DestroyIteratorContext destroyIteratorContext(&iteratorContexts);
+    for (void* const itHandle : context.iteratorHandles) {
+        destroyIteratorContext(itHandle);
+    }
+    for (void* const block : context.memoryBlocks) {
+        std::free(block);
+    }
     if (transactionContexts.erase(txHandle) == 0) {
         // Out of reach: the entry was found under this very lock.
-        SCHEMA_TRACE(TraceDebug, "Could not erase transactionContext with handle[%lu]", txHandle);
+        SCHEMA_TRACE(TraceDebug, "Could not erease transactionContext with handle[%lu]", txHandle);
     }
 }
 

@@ -54,7 +54,8 @@ public:
     TransactionContextManager(const TransactionContextManager&) = delete;
     TransactionContextManager& operator=(const TransactionContextManager&) = delete;
 
-    /// Gives `block`, which came from `malloc` or is null, to the transaction.
+    /// Gives `block`, which came from `malloc` or is null, to the transaction. When memory for that runs out, frees the
+    /// block and throws std::bad_alloc.
     void addMemory(unsigned long txHandle, void* block);
 
     /// Makes an iterator that lives in the transaction. The handle is a unique address, never read or written.
@@ -68,6 +69,7 @@ public:
     void cleanup(unsigned long txHandle);
 
 private:
+    // A member, because the trace of the function object above is written in this header.
     static constexpr const char* sourceFile = "src/schema_populator/TransactionContextManager";
 
     Poco::Mutex mutex;  ///< guards both maps

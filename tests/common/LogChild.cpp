@@ -4,11 +4,11 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <new>
 #include <stdexcept>
@@ -24,13 +24,33 @@ namespace {
 
 using Tev::LoggingWrapper;
 
-std::atomic<bool> memoryGone{false};
+/// Which of the large pieces of memory cannot be had, counted from the moment that this is set.
+struct Shortage {
+    int begin = 0;
+    int end = 0;
+};
+
+Shortage shortage;
+int largePieces = 0;
+
+bool isRefused(std::size_t size) {
+    if (size <= 1024 || shortage.begin == shortage.end) {
+        return false;
+    }
+    const int piece = largePieces++;
+    return piece >= shortage.begin && piece < shortage.end;
+}
+
+void setShortage(Shortage wanted) {
+    shortage = wanted;
+    largePieces = 0;
+}
 
 }  // namespace
 
-// The log takes its memory from here. Only large pieces run out, as large ones do first.
+// The log takes its memory from here.
 void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    return memoryGone && size > 4096 ? nullptr : std::malloc(size);
+    return isRefused(size) ? nullptr : std::malloc(size);
 }
 
 void operator delete[](void* memory) noexcept {
@@ -144,20 +164,26 @@ void logWhileTheDiskIsFull() {
 
 void logWithoutMemory() {
     log("first");
-    memoryGone = true;
+    setShortage({0, std::numeric_limits<int>::max()});
     log(std::string(100000, 'x'));
     for (std::size_t plain = 0; plain < 4; ++plain) {
         std::string text(plain, '-');
         while (text.size() < 100000) {
             text +=
-                "\x01"
-                "abc";
+                "\x01\x01"
+                "a";
         }
         log(text);
     }
     log("short");
-    memoryGone = false;
+    setShortage({});
     log(std::string(100000, 'z'));
+}
+
+/// Has memory for the text, at first none for the line, then memory again.
+void logWhileMemoryComesBack() {
+    setShortage({1, 3});
+    log(std::string(3000, 'x') + "\n" + std::string(3000, 'y'));
 }
 
 /// Made before the log is, hence destroyed after it would be.
@@ -170,6 +196,15 @@ public:
     }
     bool armed = false;
 } logAtExit;
+
+void logWithSigpipeAsByDefault() {
+    std::signal(SIGPIPE, SIG_DFL);
+    sigset_t sigpipe;
+    sigemptyset(&sigpipe);
+    sigaddset(&sigpipe, SIGPIPE);
+    pthread_sigmask(SIG_UNBLOCK, &sigpipe, nullptr);
+    log("record");
+}
 
 void logFromDestructor() {
     log("from main");
@@ -189,6 +224,8 @@ int main(int argumentCount, char* arguments[]) {
         {"interrupted", logLongWhileInterrupted},
         {"full-disk", logWhileTheDiskIsFull},
         {"no-memory", logWithoutMemory},
+        {"memory-back", logWhileMemoryComesBack},
+        {"sigpipe", logWithSigpipeAsByDefault},
         {"destructor", logFromDestructor},
     };
     const auto action = actions.find(argumentCount > 1 ? arguments[1] : "");

@@ -77,6 +77,7 @@ public:
     int reading() const { return ends[0]; }
     int writing() const { return ends[1]; }
 
+    void closeReading() { closeEnd(0); }
     void closeWriting() { closeEnd(1); }
 
     void waitUntilFull() const {
@@ -276,7 +277,7 @@ TEST(LoggingWrapperProcessTest, recordIsCutToWhatFitsWhenMemoryRunsOut) {
     for (std::size_t plain = 0; plain < 4; ++plain) {
         std::string whole(plain, '-');
         while (whole.size() < logged[2 + plain].size()) {
-            whole += "\\x01abc";
+            whole += "\\x01\\x01a";
         }
         EXPECT_THAT(whole, StartsWith(logged[2 + plain]));
         EXPECT_THAT(logged[2 + plain], SizeIs(Gt(1000U)));
@@ -284,6 +285,15 @@ TEST(LoggingWrapperProcessTest, recordIsCutToWhatFitsWhenMemoryRunsOut) {
     }
     EXPECT_EQ(logged[6], "short");
     EXPECT_EQ(logged[7], std::string(100000, 'z'));
+}
+
+TEST(LoggingWrapperProcessTest, recordThatIsCutHasNoHoles) {
+    ChildProcess child(LOG_CHILD, {"memory-back"}, {});
+    EXPECT_EQ(child.wait(), 0);
+    const std::vector<std::string> logged = texts(child.err());
+    ASSERT_EQ(logged.size(), 1U);
+    EXPECT_EQ(logged[0], std::string(logged[0].size(), 'x'));
+    EXPECT_THAT(logged[0], SizeIs(AllOf(Gt(1000U), Lt(3000U))));
 }
 
 TEST(LoggingWrapperProcessTest, timeIsUtcWhateverTheTimeZone) {
@@ -302,6 +312,13 @@ TEST(LoggingWrapperProcessTest, closedStandardErrorDropsTheRecord) {
     ChildProcess child(LOG_CHILD, {"once"}, {}, {-1, -1, true});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(child.out(), "");
+}
+
+TEST(LoggingWrapperProcessTest, readerThatIsGoneDropsTheRecordAndLeavesTheProcessAlone) {
+    Pipe pipe(0);
+    pipe.closeReading();
+    ChildProcess child(LOG_CHILD, {"sigpipe"}, {}, {-1, pipe.writing(), false});
+    EXPECT_EQ(child.wait(), 0);
 }
 
 TEST(LoggingWrapperProcessTest, destructorsMayStillLog) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -94,21 +93,12 @@ TEST(ProcessUtilTest, nameMayBeTheResultsOwnText) {
     _exit(1);
 }
 
-/// Gives the process an /etc of its own, empty but for a folder "tev", that nobody else sees.
-void enterPrivateEtc() {
-    // Without being root, that takes a user namespace as well.
-    if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
-        giveUp("no namespace");
-    }
-    if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount("none", "/etc", "tmpfs", 0, nullptr) != 0 || mkdir("/etc/tev", 0700) != 0) {
-        giveUp("no /etc");
-    }
-}
-
-void createSystemFile() {
-    if (!std::ofstream(systemFile)) {
-        giveUp(systemFile);
+/// Makes `folder` the root folder of the process.
+void enterRoot(const TempFolder& folder) {
+    const char* const path = folder.path().c_str();
+    // Without being root, that takes a user namespace.
+    if (chroot(path) != 0 && (unshare(CLONE_NEWUSER) != 0 || chroot(path) != 0)) {
+        giveUp("no root folder");
     }
 }
 
@@ -119,58 +109,40 @@ void createSystemFile() {
     _exit(found == expected ? 0 : 1);
 }
 
-TEST(ProcessUtilTest, findsTheFileInTheSystemFolderWhenNoFolderIsConfigured) {
+/// A root folder of the test's own, with the file in the system folder.
+class ProcessUtilSystemFolderTest : public testing::Test {
+protected:
+    ProcessUtilSystemFolderTest() {
+        std::filesystem::create_directories(root.path() / "etc/tev");
+        root.write(systemFile + 1, "");
+        std::filesystem::create_directory(root.path() / "configured");
+    }
+
+    const TempFolder root;
+};
+
+TEST_F(ProcessUtilSystemFolderTest, isSearchedWhenNoFolderIsConfigured) {
     const EnvironmentVariable variable(folderVariable, std::nullopt);
-    EXPECT_EXIT(
-        {
-            enterPrivateEtc();
-            createSystemFile();
-            expectFound(systemFile);
-        },
-        testing::ExitedWithCode(0), "found");
-    EXPECT_FALSE(std::filesystem::exists(systemFile));
+    EXPECT_EXIT((enterRoot(root), expectFound(systemFile)), testing::ExitedWithCode(0), "found");
 }
 
-TEST(ProcessUtilTest, findsTheFileInTheSystemFolderWhenTheConfiguredOneLacksIt) {
-    const TempFolder folder;
-    std::filesystem::create_directory(folder.path() / fileName);
-    const EnvironmentVariable variable(folderVariable, folder.path().string());
-    EXPECT_EXIT(
-        {
-            enterPrivateEtc();
-            createSystemFile();
-            expectFound(systemFile);
-        },
-        testing::ExitedWithCode(0), "found");
+TEST_F(ProcessUtilSystemFolderTest, isSearchedWhenTheConfiguredOneLacksTheFile) {
+    std::filesystem::create_directory(root.path() / "configured" / fileName);
+    const EnvironmentVariable variable(folderVariable, "/configured");
+    EXPECT_EXIT((enterRoot(root), expectFound(systemFile)), testing::ExitedWithCode(0), "found");
 }
 
-TEST(ProcessUtilTest, configuredFolderComesFirst) {
-    const TempFolder folder;
-    const std::string file = folder.write(fileName, "");
-    const EnvironmentVariable variable(folderVariable, folder.path().string());
-    EXPECT_EXIT(
-        {
-            enterPrivateEtc();
-            createSystemFile();
-            expectFound(file);
-        },
-        testing::ExitedWithCode(0), "found");
+TEST_F(ProcessUtilSystemFolderTest, isSearchedAfterTheConfiguredOne) {
+    root.write(std::string("configured/") + fileName, "");
+    const EnvironmentVariable variable(folderVariable, "/configured");
+    EXPECT_EXIT((enterRoot(root), expectFound(std::string("/configured/") + fileName)), testing::ExitedWithCode(0),
+                "found");
 }
 
-TEST(ProcessUtilTest, emptyFolderNameIsNotTheRootFolder) {
-    const TempFolder folder;
-    folder.write(fileName, "");
+TEST_F(ProcessUtilSystemFolderTest, isSearchedInsteadOfTheRootFolderWhenTheConfiguredNameIsEmpty) {
+    root.write(fileName, "");
     const EnvironmentVariable variable(folderVariable, "");
-    EXPECT_EXIT(
-        {
-            if (chroot(folder.path().c_str()) != 0 &&
-                (unshare(CLONE_NEWUSER) != 0 || chroot(folder.path().c_str()) != 0)) {
-                giveUp("no root folder");
-            }
-            ASSERT_TRUE(std::filesystem::exists(std::string("/") + fileName));
-            expectFound("-2");
-        },
-        testing::ExitedWithCode(0), "found");
+    EXPECT_EXIT((enterRoot(root), expectFound(systemFile)), testing::ExitedWithCode(0), "found");
 }
 
 }  // namespace

@@ -36,8 +36,9 @@ private:
 // Some test programs use the log before their first capture.
 const std::string& atStart = LogFile::path();
 
-std::string contents(const std::string& path) {
+std::string contents(const std::string& path, std::size_t begin) {
     std::ifstream stream(path, std::ios::binary);
+    stream.seekg(static_cast<std::streamoff>(begin));
     std::ostringstream text;
     text << stream.rdbuf();
     return text.str();
@@ -97,7 +98,7 @@ LogCapture::~LogCapture() {
 }
 
 std::vector<LogRecord> LogCapture::records() const {
-    std::istringstream lines(contents(LogFile::path()).substr(begin));
+    std::istringstream lines(contents(LogFile::path(), begin));
     std::vector<LogRecord> records;
     for (std::string line; std::getline(lines, line);) {
         records.push_back(LogRecord::parse(line));
@@ -116,7 +117,7 @@ std::vector<LogRecord> LogCapture::recordsOf(const std::string& functionName) co
 }
 
 void LogCapture::clear() {
-    begin = contents(LogFile::path()).size();
+    begin = std::filesystem::file_size(LogFile::path());
 }
 
 std::vector<testing::Matcher<LogRecord>> message(int level, const std::string& sourceFile,

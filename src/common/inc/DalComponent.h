@@ -28,8 +28,8 @@ class DalComponent {
 public:
     /// The component's one object, made on first use and destroyed when the library is unloaded. Thread-safe.
     static T& instance() {
-        static T component;
-        return component;
+        static T object;
+        return object;
     }
 
     DalComponent(const DalComponent&) = delete;
@@ -77,8 +77,8 @@ protected:
     ~DalComponent() = default;
 
     DalPortalAccessor* portalAccessor = nullptr;
-    DalPortal_3* portal = nullptr;  ///< null unless registered
-    void* portalV1 = nullptr;
+    DalPortal_3* portal = nullptr;  ///< null before `registerComponent` and after `unregisterComponent`
+    void* portalV1 = nullptr;       ///< kept for components that need it
     DalMgmtSpiComponent_2 component{};
     InterfaceList interfaces;       ///< offered
     InterfaceList interfaceArray;   ///< `interfaces` and a null, as the framework sees them

@@ -19,7 +19,7 @@ extern TEV_COMMON_API const TraceSubsystem Common;
 
 /// The process's log: one line per record, to the file that `TEV_LOG_FILE` names when the log is first used, else to
 /// standard error. The file is appended to; when it cannot be opened, standard error says so and takes its place. What
-/// cannot be written is dropped.
+/// cannot be written is dropped; a slow reader is waited for.
 ///
 ///     2026-11-20T23:56:01.123456Z <thread id> LOG <level> <function>: <text>
 ///     2026-11-20T23:56:01.123456Z <thread id> TRACE <subsystem> <level> <file>:<line> <function>: <text>

@@ -73,7 +73,7 @@ LogLine& LogLine::append(int number) noexcept {
 }
 
 LogLine& LogLine::append(std::string_view text) noexcept {
-    reserve(text.size());
+    reserve(text.size());  // at once; when that fails, what fits is seen below
     while (!text.empty()) {
         const auto* const control = std::find_if(text.begin(), text.end(), isControl);
         const auto length = static_cast<std::size_t>(control - text.begin());
@@ -93,15 +93,17 @@ void LogLine::appendEscape(char character) noexcept {
     if (reserve(length)) {
         appendRaw({text, length});
     } else {
-        capacity = size + 1;  // nothing may follow what was left out
+        cut = true;
     }
 }
 
 void LogLine::appendRaw(std::string_view text) noexcept {
-    reserve(text.size());
-    const std::size_t fitting = std::min(text.size(), room());
-    std::memcpy(data + size, text.data(), fitting);
-    size += fitting;
+    if (!cut) {
+        cut = !reserve(text.size());
+        const std::size_t fitting = std::min(text.size(), room());
+        std::memcpy(data + size, text.data(), fitting);
+        size += fitting;
+    }
 }
 
 bool LogLine::reserve(std::size_t length) noexcept {
@@ -109,9 +111,8 @@ bool LogLine::reserve(std::size_t length) noexcept {
         return true;
     }
     const std::size_t wanted = std::max(capacity * 2, size + length + 1);
-    char* const bigger = exhausted ? nullptr : new (std::nothrow) char[wanted];
+    char* const bigger = new (std::nothrow) char[wanted];
     if (bigger == nullptr) {
-        exhausted = true;
         return false;
     }
     std::memcpy(bigger, data, size);

@@ -44,7 +44,7 @@ private:
     char* data = stack;
     std::size_t capacity = stackSize;
     std::size_t size = 0;
-    bool exhausted = false;  // no memory: the line grows no more
+    bool cut = false;  // something was left out, so nothing may follow
 };
 
 }  // namespace Tev

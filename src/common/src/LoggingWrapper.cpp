@@ -16,6 +16,7 @@
 
 #include "AnnotatedMutex.h"
 #include "LogLine.h"
+#include "SigpipeGuard.h"
 
 namespace Tev {
 
@@ -104,6 +105,8 @@ struct LoggingWrapper::State {
     }
 
     void write(std::string_view line) {
+        // A reader of the log that goes away is no reason for the host to go too.
+        const SigpipeGuard guard;
         const AnnotatedLock lock(mutex);
         if (torn && writeAll(descriptor, "\n") == 0) {
             return;

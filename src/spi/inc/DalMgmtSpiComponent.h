@@ -29,8 +29,8 @@ typedef struct DalMgmtSpiComponent_2 {
     /// The interfaces that must be there before the component is started.
     DalMgmtSpiInterface_1** dependencyArray;
 
-    /// Brings the component into service. Returns 0 when it is started; any other code means that it is not, and the
-    /// framework still calls `stop`. May be called again after `stop`.
+    /// Brings the component into service. Returns 0 when it is started; any other code means that this start failed,
+    /// and the framework still calls `stop`. May be called again after `stop`.
     /// [lifecycle]
     TevReturnT (*start)(DalStateChangeReason reason);
 
@@ -41,7 +41,7 @@ typedef struct DalMgmtSpiComponent_2 {
     /// A third list of descriptors; may be empty, is never a null pointer.
     DalMgmtSpiInterface_1** extraArray;
 
-    bool flag;  ///< false
+    bool flag;  ///< false; nobody reads it
 } DalMgmtSpiComponent_2;
 
 #ifdef __cplusplus

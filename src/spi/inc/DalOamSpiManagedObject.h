@@ -67,20 +67,20 @@ typedef struct DalOamSpiManagedObject_1 {
                                  DalMoAttributeValueContainer* value);
 
     /// Reads an attribute. On success returns 0 and sets `*result`. Returns -1 for a DN that names no instance of the
-    /// class, -2 when there is no such object or attribute, -8 for a null argument, 2 when the callee is not started.
-    /// [any-thread, in-transaction]
+    /// class, -2 when there is no such object or attribute, -8 for a null argument, -10 when memory runs out, 2 when
+    /// the callee is not started. [any-thread, in-transaction]
     TevReturnT (*getMoAttribute)(unsigned long txHandle, const char* dn, const char* attributeName,
                                  DalMoAttributeValueContainer** result);
 
     /// Begins a listing of the instances of `className` directly under `parentDn` (an empty text for the root). On
-    /// success returns 0 and sets `*iterator`. Returns -1 for a bad DN or class, -8 for a null argument, 2 when the
-    /// callee is not started.
+    /// success returns 0 and sets `*iterator`. Returns -1 for a DN or class that is not the callee's, -2 from the
+    /// router when there is no such object or class, -8 for a null argument, 2 when the callee is not started.
     /// [any-thread, in-transaction]
     TevReturnT (*newMoIterator)(unsigned long txHandle, const char* parentDn, const char* className, void** iterator);
 
     /// Gives the key of the next instance (the text after "=" of its last RDN), or null at the end of the listing.
-    /// Returns 0, -1 for an unknown iterator, -8 for a null `result`, 2 when the callee is not started. One iterator
-    /// is used by one thread at a time.
+    /// Returns 0, -1 for an unknown iterator or when memory runs out, -8 for a null `result`, 2 when the callee is not
+    /// started. One iterator is used by one thread at a time.
     /// [any-thread, in-transaction]
     TevReturnT (*nextMo)(void* iterator, char** result);
 
@@ -95,7 +95,8 @@ typedef struct DalOamSpiManagedObject_1 {
     TevReturnT (*deleteMo)(unsigned long txHandle, const char* dn);
 
     /// Carries out an action. `parameters` is a null-terminated array, borrowed until the call returns. On success
-    /// returns 0 and sets `*result`.
+    /// returns 0 and sets `*result`. Returns -2 when there is no such object, -8 for a DN, name or parameters that do
+    /// not fit the action, -10 when memory runs out, 2 when the callee is not started, or a code of the action's own.
     /// [any-thread, in-transaction]
     TevReturnT (*action)(unsigned long txHandle, const char* dn, const char* actionName,
                          DalMoAttributeValueContainer** parameters, DalMoAttributeValueContainer** result);

@@ -14,6 +14,9 @@ FakeHost* current = nullptr;
 constexpr std::uint64_t momBase = 0x100000000000;
 constexpr std::uint64_t propertiesBase = 0x200000000000;
 
+// What a failing call leaves in its output, for a component that looks there all the same.
+constexpr const char* rubbish = "rubbish";
+
 std::string shown(const char* text) {
     return text == nullptr ? "null" : text;
 }
@@ -47,11 +50,15 @@ struct FakeHost::Tables {
     }
 
     static TevReturnT registerComponent(DalMgmtSpiComponent_2* component) {
-        const TevReturnT fault = current->note("registerComponent", component->base.componentName);
-        if (fault == TevReturnOk) {
-            current->registered = component;
+        if (const TevReturnT fault = current->note("registerComponent", component->base.componentName)) {
+            return fault;
         }
-        return fault;
+        if (component->interfaceArray == nullptr || component->dependencyArray == nullptr ||
+            component->extraArray == nullptr) {
+            return TevReturnInvalidArgument;
+        }
+        current->registered = component;
+        return TevReturnOk;
     }
 
     static TevReturnT unregisterComponent(DalMgmtSpiComponent_2* component) {
@@ -110,6 +117,7 @@ struct FakeHost::Tables {
 
     static TevReturnT getMomStringProperty(DalOamSpiMrMomHandle_4T mom, std::int32_t selector, const char** result) {
         const FakeModel& model = current->model(mom - momBase);
+        *result = rubbish;
         if (const TevReturnT fault =
                 current->note("getMomStringProperty", model.name + "," + std::to_string(selector))) {
             return fault;
@@ -156,6 +164,7 @@ struct FakeHost::Tables {
     static TevReturnT getGeneralDomainValue(DalOamSpiMrGeneralPropertiesHandle_4T properties, const char* domain,
                                             const char* key, const char** result) {
         const FakeModel& model = current->model(properties - propertiesBase);
+        *result = rubbish;
         if (const TevReturnT fault =
                 current->note("getGeneralDomainValue", model.name + "," + shown(domain) + "," + shown(key))) {
             return fault;
@@ -164,7 +173,7 @@ struct FakeHost::Tables {
         if (std::strcmp(domain, "ORVA") != 0 || found == model.orva.end()) {
             return TevReturnNotFound;
         }
-        *result = found->second.c_str();
+        *result = found->second ? found->second->c_str() : nullptr;
         return TevReturnOk;
     }
 
@@ -259,6 +268,11 @@ void FakeHost::failAnyCall(unsigned int nth, TevReturnT code) {
     faultsOfAny[totalCount + nth] = code;
 }
 
+void FakeHost::whenCalled(const std::string& operation, std::function<void()> action) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    actions[operation] = std::move(action);
+}
+
 void FakeHost::withdraw(const std::string& interfaceName) {
     withdrawn.insert(interfaceName);
 }
@@ -301,7 +315,13 @@ DalMgmtSpiInterface_1* FakeHost::findOffered(const std::string& interfaceName) c
 }
 
 TevReturnT FakeHost::note(const std::string& operation, const std::string& arguments) {
-    const std::lock_guard<std::mutex> lock(mutex);
+    std::unique_lock<std::mutex> lock(mutex);
+    if (const auto found = actions.find(operation); found != actions.end()) {
+        const std::function<void()> action = found->second;
+        lock.unlock();
+        action();
+        lock.lock();
+    }
     noted.push_back(arguments.empty() ? operation : operation + " " + arguments);
     const auto fault = faults.find({operation, ++counts[operation]});
     const auto faultOfAny = faultsOfAny.find(++totalCount);

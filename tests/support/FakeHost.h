@@ -2,6 +2,7 @@
 #define FAKE_HOST_H
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -26,7 +27,8 @@ struct FakeModel {
     std::optional<std::string> version{};
     std::optional<std::string> release{};
     std::optional<std::string> correction{};
-    std::map<std::string, std::string> orva{};           ///< values of the domain "ORVA"; an absent key gives -2
+    /// Values of the domain "ORVA"; an absent key gives -2, a key without a value gives 0 and a null text.
+    std::map<std::string, std::optional<std::string>> orva{};
     std::optional<std::vector<std::string>> features{};  ///< no value: the repository gives a null list
     std::optional<std::string> file{};                   ///< no value: "/models/<name>.xml"
 };
@@ -53,6 +55,9 @@ public:
 
     /// The `nth` call of any operation from now on returns `code` and does nothing else.
     void failAnyCall(unsigned int nth, TevReturnT code);
+
+    /// Does `action` whenever `operation` is called, before anything else; what it throws goes to the caller.
+    void whenCalled(const std::string& operation, std::function<void()> action);
 
     /// The interface is no longer offered: `getInterface` gives -2 for it.
     void withdraw(const std::string& interfaceName);
@@ -94,6 +99,7 @@ private:
     unsigned int totalCount = 0;
     std::map<std::pair<std::string, unsigned int>, TevReturnT> faults;
     std::map<unsigned int, TevReturnT> faultsOfAny;
+    std::map<std::string, std::function<void()>> actions;
     std::set<std::string> withdrawn;
     DalMgmtSpiComponent_2* registered = nullptr;
     std::map<unsigned long, std::vector<DalOamSpiTransactionalResource_2*>> joined;

@@ -1,0 +1,113 @@
+#include "Agent.h"
+
+#include "Failure.h"
+#include "ModelFolder.h"
+#include "Portal.h"
+#include "SchemaClass.h"
+#include "TevConfiguration.h"
+#include "TevException.h"
+#include "ThreadContext.h"
+
+namespace TevAgent {
+
+namespace {
+
+/// Where Schema instances stand when there are no managed objects to tell.
+constexpr const char* usualSchemaParent = "ManagedElement=1,SystemFunctions=1,SysM=1";
+
+std::vector<Model> readModels(const std::string& folder) {
+    if (folder.empty()) {
+        return {};
+    }
+    const ModelFolder content = ModelFolder::read(folder);
+    for (const Problem& problem : content.problems()) {
+        Diagnostics::say(problem.text());
+    }
+    return content.models();
+}
+
+/// Components make do with their defaults when their configuration cannot be read; the operator has to know.
+void tryConfiguration(const std::string& file) {
+    try {
+        Tev::TevConfiguration().load(file);
+    } catch (const Tev::TevException& e) {
+        Diagnostics::say(std::string(e.what()) + "; the defaults are used");
+    }
+}
+
+std::vector<Route> routesOf(const ObjectStore& store) {
+    std::vector<Route> routes = {SchemaClass::route()};
+    routes.insert(routes.end(), store.routes().begin(), store.routes().end());
+    return routes;
+}
+
+}  // namespace
+
+Agent::Agent(const Inputs& agentInputs) : inputs(agentInputs) {
+    try {
+        repository = std::make_unique<ModelRepository>(readModels(inputs.models));
+        if (!inputs.objects.empty()) {
+            store = ObjectStore::load(inputs.objects);
+        }
+    } catch (const Tev::TevException& e) {
+        throw Failure(ExitStatus::NotStarted, e.what());
+    }
+    if (!inputs.configuration.empty()) {
+        tryConfiguration(inputs.configuration);
+    }
+    routerService = std::make_unique<Router>(store, portal, transactionService, routesOf(store));
+    portal.offer(TransactionService::table()->base);
+    portal.offer(ThreadContext::table()->base);
+    portal.offer(*repository->repositoryTable());
+    portal.offer(*repository->extensionTable());
+    portal.offer(Router::table()->base);
+    Tev::Portal::setAccessor(PortalService::accessor());
+}
+
+Agent::~Agent() {
+    stop();
+    while (!libraries.empty()) {
+        libraries.pop_back();
+    }
+    Tev::Portal::setAccessor(nullptr);
+}
+
+ComponentLibrary& Agent::open(const std::string& path) {
+    return *libraries.emplace_back(std::make_unique<ComponentLibrary>(path));
+}
+
+std::string Agent::initialize(ComponentLibrary& library) {
+    const std::size_t before = portal.registered().size();
+    library.initialize(PortalService::accessor(),
+                       inputs.configuration.empty() ? nullptr : inputs.configuration.c_str());
+    const auto registered = portal.registered();
+    if (registered.size() <= before) {
+        throw Failure(ExitStatus::NotStarted,
+                      "cannot use component library " + library.path() + ": it registered no component");
+    }
+    return registered[before]->name();
+}
+
+void Agent::start() {
+    portal.start();
+}
+
+TevReturnT Agent::stop() {
+    return portal.stop();
+}
+
+std::string Agent::schemaParent() const {
+    if (inputs.objects.empty()) {
+        return usualSchemaParent;
+    }
+    if (const auto dn = store.firstInstance(SchemaClass::route().parent)) {
+        return *dn;
+    }
+    throw Failure(ExitStatus::OperationFailed, inputs.objects + " has no SysM object that schemas could stand under");
+}
+
+std::string Agent::schemaDn(const std::string& schemaId) const {
+    return schemaParent() + "," + SchemaClass::name + "=" + schemaId;
+}
+
+}  // namespace TevAgent

@@ -1,0 +1,124 @@
+#include "Commands.h"
+
+#include <filesystem>
+#include <set>
+
+#include "ComponentCheck.h"
+#include "Diagnostics.h"
+#include "Failure.h"
+#include "JsonText.h"
+#include "Operation.h"
+#include "SchemaClass.h"
+#include "TableText.h"
+
+namespace TevAgent {
+
+namespace {
+
+/// The library of the component that this agent is made for: beside the program, else the installed one.
+std::string usualLibrary() {
+    const std::string name = "libtev_schema_populator.so";
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    const std::filesystem::path beside = program.parent_path().parent_path() / "lib" / name;
+    return std::filesystem::exists(beside) ? beside.string() : TEV_INSTALLED_LIBRARIES "/" + name;
+}
+
+std::vector<std::string> librariesOf(const Settings& settings) {
+    return settings.components.empty() ? std::vector<std::string>{usualLibrary()} : settings.components;
+}
+
+void initialize(Agent& agent, const std::vector<std::string>& libraries) {
+    for (const std::string& library : libraries) {
+        agent.initialize(agent.open(library));
+    }
+}
+
+void sayRepeated(const std::set<std::string>& keys) {
+    std::string names;
+    for (const std::string& key : keys) {
+        names += (names.empty() ? "" : ", ") + key;
+    }
+    if (!names.empty()) {
+        Diagnostics::say("there are several versions of " + names + "; the values are those of the first version");
+    }
+}
+
+}  // namespace
+
+Commands::Commands(const Settings& commandSettings, StandardOutput& resultOutput)
+    : settings(commandSettings), output(resultOutput) {}
+
+ExitStatus Commands::run() {
+    Agent agent({settings.models, settings.objects, settings.configuration});
+    if (settings.command == Settings::Command::Check) {
+        return check(agent);
+    }
+    initialize(agent, librariesOf(settings));
+    agent.start();
+    return settings.command == Settings::Command::List ? list(agent) : get(agent);
+}
+
+ExitStatus Commands::list(Agent& agent) {
+    ExitStatus status = ExitStatus::Done;
+    std::vector<Instance> instances;
+    std::set<std::string> seen;
+    std::set<std::string> repeated;
+    Operation operation(agent);
+    for (const std::string& key : operation.reader().keys(agent.schemaParent(), SchemaClass::name)) {
+        if (!seen.insert(key).second) {
+            repeated.insert(key);
+            continue;
+        }
+        try {
+            instances.push_back(operation.reader().read(agent.schemaDn(key), SchemaClass::attributes()));
+        } catch (const Failure& e) {
+            // One instance that cannot be read does not hide the others.
+            Diagnostics::say(e.what());
+            status = e.status();
+        }
+    }
+    operation.commit();
+    sayRepeated(repeated);
+    write(SchemaClass::attributes(), instances);
+    return status;
+}
+
+ExitStatus Commands::get(Agent& agent) {
+    const bool isDn = settings.target.find('=') != std::string::npos;
+    const std::string dn = isDn ? settings.target : agent.schemaDn(settings.target);
+    const std::vector<std::string>& attributes =
+        settings.attributes.empty() ? SchemaClass::attributes() : settings.attributes;
+    Operation operation(agent);
+    const Instance instance = operation.reader().read(dn, attributes);
+    operation.commit();
+    write(attributes, {instance});
+    return ExitStatus::Done;
+}
+
+ExitStatus Commands::check(Agent& agent) {
+    std::vector<std::string> libraries = settings.components;
+    libraries.push_back(settings.checkedLibrary);
+    if (settings.checkedLibrary.empty()) {
+        libraries = librariesOf(settings);
+    }
+    // The one to check comes last; the others are there for what it depends on.
+    const std::string checked = libraries.back();
+    libraries.pop_back();
+    initialize(agent, libraries);
+    std::vector<CheckResult> results;
+    const bool isTable = settings.output == Settings::Output::Table;
+    const bool isPassed = ComponentCheck(agent, checked).run([&](const CheckResult& result) {
+        results.push_back(result);
+        // A line at once: should the component bring the process down, the lines show where.
+        output.write(isTable ? TableText::of(result) : "");
+    });
+    output.write(isTable ? "" : JsonText::of(results));
+    return isPassed ? ExitStatus::Done : ExitStatus::OperationFailed;
+}
+
+void Commands::write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances) {
+    output.write(settings.output == Settings::Output::Json ? JsonText::of(instances)
+                                                           : TableText::of(attributes, instances));
+}
+
+}  // namespace TevAgent

@@ -1,0 +1,37 @@
+#ifndef TEV_AGENT_COMMANDS_H
+#define TEV_AGENT_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+#include "Agent.h"
+#include "ExitStatus.h"
+#include "Instance.h"
+#include "Settings.h"
+#include "StandardOutput.h"
+
+namespace TevAgent {
+
+/// The commands of the command line. Used by one thread.
+class Commands {
+public:
+    /// Both outlive this object.
+    Commands(const Settings& commandSettings, StandardOutput& resultOutput);
+
+    /// Carries out the command that the settings name: results go to the output, all else to `Diagnostics`. Throws
+    /// `Failure` or `Interrupted` when the command ends early.
+    ExitStatus run();
+
+private:
+    ExitStatus list(Agent& agent);
+    ExitStatus get(Agent& agent);
+    ExitStatus check(Agent& agent);
+    void write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances);
+
+    const Settings& settings;
+    StandardOutput& output;
+};
+
+}  // namespace TevAgent
+
+#endif

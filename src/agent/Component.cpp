@@ -1,0 +1,35 @@
+#include "Component.h"
+
+#include "Barrier.h"
+
+namespace TevAgent {
+
+Component::Component(DalMgmtSpiComponent_2& componentTable)
+    : descriptor(componentTable), componentName(componentTable.base.componentName) {}
+
+std::vector<DalMgmtSpiInterface_1*> Component::offers() const {
+    std::vector<DalMgmtSpiInterface_1*> tables;
+    for (DalMgmtSpiInterface_1** entry = descriptor.interfaceArray; *entry != nullptr; ++entry) {
+        tables.push_back(*entry);
+    }
+    return tables;
+}
+
+std::vector<InterfaceId> Component::dependencies() const {
+    std::vector<InterfaceId> wanted;
+    for (DalMgmtSpiInterface_1** entry = descriptor.dependencyArray; *entry != nullptr; ++entry) {
+        wanted.emplace_back(**entry);
+    }
+    return wanted;
+}
+
+TevReturnT Component::start() {
+    return Barrier::demand(componentName, "start",
+                           [this] { return descriptor.start(DalStateChangeReasonUnspecified); });
+}
+
+TevReturnT Component::stop() {
+    return Barrier::demand(componentName, "stop", [this] { return descriptor.stop(DalStateChangeReasonUnspecified); });
+}
+
+}  // namespace TevAgent

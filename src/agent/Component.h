@@ -1,0 +1,35 @@
+#ifndef TEV_AGENT_COMPONENT_H
+#define TEV_AGENT_COMPONENT_H
+
+#include <string>
+#include <vector>
+
+#include "DalMgmtSpiComponent.h"
+#include "InterfaceId.h"
+
+namespace TevAgent {
+
+/// A registered component, behind the barrier. Its table was found well-formed and is borrowed.
+class Component {
+public:
+    explicit Component(DalMgmtSpiComponent_2& componentTable);
+
+    const std::string& name() const { return componentName; }
+    const DalMgmtSpiComponent_2& table() const { return descriptor; }
+
+    /// The tables that the component offers, owned by the component.
+    std::vector<DalMgmtSpiInterface_1*> offers() const;
+    std::vector<InterfaceId> dependencies() const;
+
+    /// Tells the component to start, to stop; what goes wrong is reported. Called one at a time.
+    TevReturnT start();
+    TevReturnT stop();
+
+private:
+    DalMgmtSpiComponent_2& descriptor;
+    const std::string componentName;
+};
+
+}  // namespace TevAgent
+
+#endif

@@ -1,0 +1,55 @@
+#ifndef TEV_AGENT_COMPONENT_LIBRARY_H
+#define TEV_AGENT_COMPONENT_LIBRARY_H
+
+#include <string>
+
+#include "DalPortal.h"
+
+namespace TevAgent {
+
+/// A component's shared library, loaded: terminated, when it was initialized, and unloaded with this object. Used by
+/// one thread.
+class ComponentLibrary {
+public:
+    /// Loads the library and finds its two entry points; nothing is called yet but its initializers. Throws `Failure`
+    /// (not started) with the path and the loader's reason.
+    explicit ComponentLibrary(const std::string& libraryPath);
+    ~ComponentLibrary();
+    ComponentLibrary(const ComponentLibrary&) = delete;
+    ComponentLibrary& operator=(const ComponentLibrary&) = delete;
+
+    /// The absolute path.
+    const std::string& path() const { return file; }
+
+    /// Calls `dalLCMinit`, once, behind the barrier; `configuration` may be null. Throws `Failure` (not started) with
+    /// what was said while it ran, or the code, when it does not return 0.
+    void initialize(DalPortalAccessor* accessor, const char* configuration);
+
+private:
+    using Init = TevReturnT (*)(DalPortalAccessor*, const char*);
+    using Terminate = void (*)();
+
+    template <class Function>
+    Function function(const char* symbol) const;
+
+    /// Unloads the library, also when the constructor fails.
+    struct Handle {
+        explicit Handle(void* library) : value(library) {}
+        ~Handle();
+        Handle(const Handle&) = delete;
+        Handle& operator=(const Handle&) = delete;
+
+        void* const value;
+    };
+
+    const std::string file;
+    const std::string name;  ///< of the file: the component has no name before it registers
+    const Handle handle;
+    const Init init;
+    const Terminate terminate;
+    bool isInitialized = false;
+};
+
+}  // namespace TevAgent
+
+#endif

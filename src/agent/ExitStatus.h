@@ -1,0 +1,17 @@
+#ifndef TEV_AGENT_EXIT_STATUS_H
+#define TEV_AGENT_EXIT_STATUS_H
+
+namespace TevAgent {
+
+/// How the program ended, for the shell.
+enum class ExitStatus {
+    Done = 0,
+    OperationFailed = 1,  ///< an unknown instance or attribute, a failed check, results that cannot be written
+    WrongUsage = 2,
+    NotStarted = 3,  ///< the agent could not start: its inputs or a component cannot be used
+    Interrupted = 130
+};
+
+}  // namespace TevAgent
+
+#endif

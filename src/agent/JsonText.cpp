@@ -1,0 +1,76 @@
+#include "JsonText.h"
+
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Object.h>
+
+#include <sstream>
+
+#include "SchemaClass.h"
+#include "Utf8.h"
+
+namespace TevAgent {
+
+namespace {
+
+Poco::Dynamic::Var valueOf(const Instance::Attribute& attribute) {
+    if (attribute.name == SchemaClass::listAttribute || attribute.values.size() > 1) {
+        Poco::JSON::Array array;
+        for (const std::string& value : attribute.values) {
+            array.add(Utf8::repaired(value));
+        }
+        return array;
+    }
+    if (attribute.values.empty()) {
+        return {};
+    }
+    return Utf8::repaired(attribute.values.front());
+}
+
+/// A document with one member, an array of objects: a line for each, for tools that go by lines.
+class Document {
+public:
+    explicit Document(const std::string& name) { text << "{\"" << name << "\":["; }
+
+    void add(const Poco::JSON::Object& object) {
+        text << (isEmpty ? "\n" : ",\n");
+        object.stringify(text);
+        isEmpty = false;
+    }
+
+    std::string end() {
+        text << (isEmpty ? "]}\n" : "\n]}\n");
+        return text.str();
+    }
+
+private:
+    std::ostringstream text;
+    bool isEmpty = true;
+};
+
+}  // namespace
+
+std::string JsonText::of(const std::vector<Instance>& instances) {
+    Document document("schemas");
+    for (const Instance& instance : instances) {
+        Poco::JSON::Object schema(Poco::JSON_PRESERVE_KEY_ORDER);
+        for (const Instance::Attribute& attribute : instance.attributes) {
+            schema.set(Utf8::repaired(attribute.name), valueOf(attribute));
+        }
+        document.add(schema);
+    }
+    return document.end();
+}
+
+std::string JsonText::of(const std::vector<CheckResult>& results) {
+    Document document("checks");
+    for (const CheckResult& result : results) {
+        Poco::JSON::Object check(Poco::JSON_PRESERVE_KEY_ORDER);
+        check.set("item", result.item);
+        check.set("passed", result.isPassed);
+        check.set("remark", Utf8::repaired(result.remark));
+        document.add(check);
+    }
+    return document.end();
+}
+
+}  // namespace TevAgent

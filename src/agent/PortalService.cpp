@@ -1,0 +1,143 @@
+#include "PortalService.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "Barrier.h"
+#include "Failure.h"
+#include "StartOrder.h"
+#include "TableCheck.h"
+
+namespace TevAgent {
+
+struct PortalService::Table {
+    static void* getPortal(const char* version) {
+        return version != nullptr && std::strcmp(version, portal.base.interfaceVersion) == 0 ? &portal : nullptr;
+    }
+
+    static void reserved() {}
+
+    static DalPortal_3 portal;
+    static DalPortalAccessor accessor;
+};
+
+DalPortal_3 PortalService::Table::portal = {{componentName, "DalPortal", "3"},
+                                            TableEntry<&PortalService::getInterface>::call,
+                                            reserved,
+                                            TableEntry<&PortalService::registerComponent>::call,
+                                            TableEntry<&PortalService::unregisterComponent>::call};
+DalPortalAccessor PortalService::Table::accessor = {getPortal};
+
+PortalService::PortalService() {
+    offer(Table::portal.base);
+}
+
+DalPortalAccessor* PortalService::accessor() {
+    return &Table::accessor;
+}
+
+void PortalService::offer(DalMgmtSpiInterface_1& table) {
+    const Tev::AnnotatedLock lock(mutex);
+    offers.push_back(&table);
+}
+
+DalMgmtSpiInterface_1* PortalService::find(const InterfaceId& wanted) const {
+    const auto isWanted = [&wanted](const DalMgmtSpiInterface_1* table) { return wanted.names(*table); };
+    const Tev::AnnotatedLock lock(mutex);
+    const auto own = std::find_if(offers.begin(), offers.end(), isWanted);
+    if (own != offers.end()) {
+        return *own;
+    }
+    for (const std::shared_ptr<Component>& component : components) {
+        const std::vector<DalMgmtSpiInterface_1*> tables = component->offers();
+        const auto found = std::find_if(tables.begin(), tables.end(), isWanted);
+        if (found != tables.end()) {
+            return *found;
+        }
+    }
+    return nullptr;
+}
+
+TevReturnT PortalService::getInterface(const char* component, const char* interfaceName, const char* version,
+                                       void** result) {
+    if (result == nullptr) {
+        return TevReturnInvalidArgument;
+    }
+    *result = nullptr;
+    if (component == nullptr || interfaceName == nullptr || version == nullptr) {
+        return TevReturnInvalidArgument;
+    }
+    *result = find(InterfaceId(component, interfaceName, version));
+    return *result == nullptr ? TevReturnNotFound : TevReturnOk;
+}
+
+TevReturnT PortalService::registerComponent(DalMgmtSpiComponent_2* table) {
+    const std::string fault = TableCheck::faultOf(table);
+    if (!fault.empty()) {
+        Diagnostics::say(fault);
+        return TevReturnInvalidArgument;
+    }
+    const auto component = std::make_shared<Component>(*table);
+    for (const std::shared_ptr<Component>& other : registered()) {
+        if (other->name() == component->name()) {
+            Diagnostics::say("component " + component->name() + " is registered already");
+            return TevReturnFailure;
+        }
+    }
+    const Tev::AnnotatedLock lock(mutex);
+    components.push_back(component);
+    return TevReturnOk;
+}
+
+TevReturnT PortalService::unregisterComponent(DalMgmtSpiComponent_2* table) {
+    if (table == nullptr) {
+        return TevReturnInvalidArgument;
+    }
+    const auto isIt = [table](const std::shared_ptr<Component>& component) { return &component->table() == table; };
+    // Its table is gone from now on, so it cannot be told to stop any more.
+    toldToStart.erase(std::remove_if(toldToStart.begin(), toldToStart.end(), isIt), toldToStart.end());
+    const Tev::AnnotatedLock lock(mutex);
+    const auto found = std::find_if(components.begin(), components.end(), isIt);
+    if (found == components.end()) {
+        return TevReturnNotFound;
+    }
+    components.erase(found);
+    return TevReturnOk;
+}
+
+std::vector<std::shared_ptr<Component>> PortalService::registered() const {
+    const Tev::AnnotatedLock lock(mutex);
+    return components;
+}
+
+void PortalService::start() {
+    for (const std::shared_ptr<Component>& component : StartOrder::of(offeredByAgent(), registered())) {
+        toldToStart.push_back(component);
+        Diagnostics::Capture capture;
+        if (component->start() != TevReturnOk) {
+            throw Failure(ExitStatus::NotStarted, capture.takeOr("component " + component->name() + " did not start"));
+        }
+    }
+}
+
+TevReturnT PortalService::stop() {
+    TevReturnT result = TevReturnOk;
+    while (!toldToStart.empty()) {
+        const std::shared_ptr<Component> component = toldToStart.back();
+        toldToStart.pop_back();
+        const TevReturnT code = component->stop();
+        result = result == TevReturnOk ? code : result;
+    }
+    return result;
+}
+
+std::vector<InterfaceId> PortalService::offeredByAgent() const {
+    const Tev::AnnotatedLock lock(mutex);
+    std::vector<InterfaceId> ids;
+    for (const DalMgmtSpiInterface_1* table : offers) {
+        ids.emplace_back(*table);
+    }
+    return ids;
+}
+
+}  // namespace TevAgent

@@ -1,0 +1,36 @@
+#ifndef TEV_AGENT_SETTINGS_H
+#define TEV_AGENT_SETTINGS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TevAgent {
+
+/// What the command line asks for. Texts are empty and lists have no entries where it says nothing.
+struct Settings {
+    /// The component looks its configuration up a second time under this name, so the file can have no other.
+    static constexpr const char* configurationName = "libtev_schema_populator.cfg";
+
+    enum class Command { List, Get, Check };
+    enum class Output { Table, Json };
+
+    std::string models;                   ///< folder of model files
+    std::string objects;                  ///< file of managed objects
+    std::string configuration;            ///< file
+    std::vector<std::string> components;  ///< libraries, in the order given
+    std::optional<int> logLevel;
+    std::string logFile;
+    Output output = Output::Table;
+
+    Command command = Command::List;
+    std::string target;                   ///< of get: a DN or a schema id
+    std::vector<std::string> attributes;  ///< of get
+    std::string checkedLibrary;           ///< of check
+
+    std::string information;  ///< help or version: to be shown instead of a command
+};
+
+}  // namespace TevAgent
+
+#endif

@@ -1,0 +1,34 @@
+#ifndef TEV_AGENT_STANDARD_OUTPUT_H
+#define TEV_AGENT_STANDARD_OUTPUT_H
+
+#include <string_view>
+
+namespace TevAgent {
+
+/// The way results leave the program, and nothing else does: once this object is made, whatever is written to
+/// descriptor 1 goes to standard error, for as long as the process lives. The real standard output is a private
+/// descriptor, which no other program inherits.
+///
+/// Made before anything is written and before other threads are there; used by one thread. SIGPIPE is ignored from
+/// then on, so a reader that has gone away is an error like any other.
+class StandardOutput {
+public:
+    /// Standard descriptors that are closed are opened onto /dev/null, so that no file takes their place.
+    StandardOutput();
+    ~StandardOutput();
+    StandardOutput(const StandardOutput&) = delete;
+    StandardOutput& operator=(const StandardOutput&) = delete;
+
+    /// Writes all of `text` at once. Throws `Failure` (operation failed) with the reason.
+    void write(std::string_view text);
+
+    /// Ends the output. Throws `Failure` (operation failed) when the system tells only now that something was lost.
+    void close();
+
+private:
+    int descriptor;  ///< -1 once it is closed, or when standard output was closed from the beginning
+};
+
+}  // namespace TevAgent
+
+#endif

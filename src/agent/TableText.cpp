@@ -1,0 +1,77 @@
+#include "TableText.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "Text.h"
+#include "Utf8.h"
+
+namespace TevAgent {
+
+namespace {
+
+constexpr std::size_t gap = 2;
+
+using Row = std::vector<std::string>;
+
+std::string cell(const std::string& text) {
+    return Text::escaped(Utf8::repaired(text));
+}
+
+Row rowOf(const Instance& instance) {
+    Row row;
+    for (const Instance::Attribute& attribute : instance.attributes) {
+        std::string values;
+        for (const std::string& value : attribute.values) {
+            values += cell(value) + ", ";
+        }
+        row.push_back(values.substr(0, values.empty() ? 0 : values.size() - 2));
+    }
+    return row;
+}
+
+std::vector<std::size_t> widthsOf(const std::vector<Row>& rows) {
+    std::vector<std::size_t> widths(rows.front().size());
+    for (const Row& row : rows) {
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            widths[column] = std::max(widths[column], Utf8::length(row[column]));
+        }
+    }
+    return widths;
+}
+
+std::string lineOf(const Row& row, const std::vector<std::size_t>& widths) {
+    std::string line;
+    std::size_t wanted = 0;
+    std::size_t length = 0;
+    for (std::size_t column = 0; column < row.size(); ++column) {
+        // Blanks are added in front of what follows them, so that no line ends in any.
+        if (!row[column].empty()) {
+            line.append(wanted - length, ' ').append(row[column]);
+            length = wanted + Utf8::length(row[column]);
+        }
+        wanted += widths[column] + gap;
+    }
+    return line + "\n";
+}
+
+}  // namespace
+
+std::string TableText::of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances) {
+    std::vector<Row> rows(1);
+    std::transform(attributeNames.begin(), attributeNames.end(), std::back_inserter(rows.front()), cell);
+    std::transform(instances.begin(), instances.end(), std::back_inserter(rows), rowOf);
+    const std::vector<std::size_t> widths = widthsOf(rows);
+    std::string table;
+    for (const Row& row : rows) {
+        table += lineOf(row, widths);
+    }
+    return table;
+}
+
+std::string TableText::of(const CheckResult& result) {
+    const std::string line = result.item + (result.isPassed ? ": passed" : ": failed");
+    return cell(result.remark.empty() ? line : line + ": " + result.remark) + "\n";
+}
+
+}  // namespace TevAgent

@@ -1,0 +1,26 @@
+#ifndef TEV_AGENT_TABLE_TEXT_H
+#define TEV_AGENT_TABLE_TEXT_H
+
+#include <string>
+#include <vector>
+
+#include "CheckResult.h"
+#include "Instance.h"
+
+namespace TevAgent {
+
+/// Results as texts for people. Control characters are written as escapes, so that no value can reach for the terminal
+/// or pose as a line.
+class TableText {
+public:
+    /// A header with the attribute names, then a row for each instance, whose attributes are those of the header. The
+    /// columns are aligned, two blanks apart; no value is shown as nothing, several are joined by a comma and a blank.
+    static std::string of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances);
+
+    /// A line: "<item>: passed" or "<item>: failed", with the remark after another colon.
+    static std::string of(const CheckResult& result);
+};
+
+}  // namespace TevAgent
+
+#endif

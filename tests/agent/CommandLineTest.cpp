@@ -1,0 +1,168 @@
+#include "CommandLine.h"
+
+#include <gmock/gmock.h>
+
+#include "Failure.h"
+#include "TempFolder.h"
+
+namespace TevAgent {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+Settings parse(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "tev-agent");
+    return CommandLine::parse(static_cast<int>(arguments.size()), arguments.data());
+}
+
+/// Why the arguments are wrong usage.
+std::string refusal(const std::vector<const char*>& arguments) {
+    try {
+        parse(arguments);
+        return "taken";
+    } catch (const Failure& e) {
+        EXPECT_EQ(e.status(), ExitStatus::WrongUsage);
+        return e.what();
+    }
+}
+
+TEST(CommandLineTest, takesEveryOptionBeforeTheCommand) {
+    const Settings settings =
+        parse({"--models", "m", "--objects", "o.xml", "--component", "a.so", "--component", "b.so", "--config",
+               "d/libtev_schema_populator.cfg", "--log-level", "8", "--log-file", "log", "--output", "json", "list"});
+    EXPECT_EQ(settings.models, "m");
+    EXPECT_EQ(settings.objects, "o.xml");
+    EXPECT_THAT(settings.components, ElementsAre("a.so", "b.so"));
+    EXPECT_EQ(settings.configuration, "d/libtev_schema_populator.cfg");
+    EXPECT_EQ(settings.logLevel, 8);
+    EXPECT_EQ(settings.logFile, "log");
+    EXPECT_EQ(settings.output, Settings::Output::Json);
+    EXPECT_EQ(settings.command, Settings::Command::List);
+    EXPECT_EQ(settings.information, "");
+}
+
+TEST(CommandLineTest, takesOptionsBehindTheCommandToo) {
+    const Settings settings = parse({"get", "Transport", "--models=m", "version", "--output=json"});
+    EXPECT_EQ(settings.command, Settings::Command::Get);
+    EXPECT_EQ(settings.models, "m");
+    EXPECT_EQ(settings.output, Settings::Output::Json);
+    EXPECT_EQ(settings.target, "Transport");
+    EXPECT_THAT(settings.attributes, ElementsAre("version"));
+}
+
+TEST(CommandLineTest, hasNothingSetWithoutOptions) {
+    const Settings settings = parse({"check"});
+    EXPECT_EQ(settings.models, "");
+    EXPECT_EQ(settings.objects, "");
+    EXPECT_EQ(settings.configuration, "");
+    EXPECT_THAT(settings.components, IsEmpty());
+    EXPECT_EQ(settings.logLevel, std::nullopt);
+    EXPECT_EQ(settings.output, Settings::Output::Table);
+    EXPECT_EQ(settings.checkedLibrary, "");
+}
+
+TEST(CommandLineTest, aNodeStandsForItsThreeFiles) {
+    const TevTest::TempFolder folder;
+    const std::string node = folder.path();
+    folder.write("libtev_schema_populator.cfg", "");
+    const Settings settings = parse({"--node", node.c_str(), "list"});
+    EXPECT_EQ(settings.models, node + "/models");
+    EXPECT_EQ(settings.objects, node + "/managed-objects.xml");
+    EXPECT_EQ(settings.configuration, node + "/libtev_schema_populator.cfg");
+}
+
+TEST(CommandLineTest, aNodeMayLackItsConfiguration) {
+    const TevTest::TempFolder folder;
+    EXPECT_EQ(parse({"--node", folder.path().c_str(), "list"}).configuration, "");
+}
+
+TEST(CommandLineTest, whatIsNamedGoesBeforeTheNodesOwn) {
+    const TevTest::TempFolder folder;
+    folder.write("libtev_schema_populator.cfg", "");
+    const std::string node = folder.path();
+    const Settings settings =
+        parse({"--node", node.c_str(), "--models", "m", "--config", "d/libtev_schema_populator.cfg", "list"});
+    EXPECT_EQ(settings.models, "m");
+    EXPECT_EQ(settings.objects, node + "/managed-objects.xml");
+    EXPECT_EQ(settings.configuration, "d/libtev_schema_populator.cfg");
+}
+
+TEST(CommandLineTest, aComponentOptionTakesOneFileSoThatACommandMayFollow) {
+    const Settings settings = parse({"--models", "m", "--component", "a.so", "list"});
+    EXPECT_THAT(settings.components, ElementsAre("a.so"));
+    EXPECT_EQ(settings.command, Settings::Command::List);
+}
+
+TEST(CommandLineTest, aSchemaMayBeCalledLikeACommand) {
+    const Settings settings = parse({"--models", "m", "get", "list", "check"});
+    EXPECT_EQ(settings.command, Settings::Command::Get);
+    EXPECT_EQ(settings.target, "list");
+    EXPECT_THAT(settings.attributes, ElementsAre("check"));
+}
+
+TEST(CommandLineTest, aTargetMayBeADn) {
+    EXPECT_EQ(parse({"--models", "m", "get", "ManagedElement=1,SysM=1", "a"}).target, "ManagedElement=1,SysM=1");
+}
+
+TEST(CommandLineTest, checkTakesALibrary) {
+    const Settings settings = parse({"check", "x.so"});
+    EXPECT_EQ(settings.command, Settings::Command::Check);
+    EXPECT_EQ(settings.checkedLibrary, "x.so");
+}
+
+TEST(CommandLineTest, showsHelpForTheProgramAndEachCommand) {
+    EXPECT_THAT(parse({"--help"}).information, testing::AllOf(HasSubstr("--node"), HasSubstr("check")));
+    EXPECT_THAT(parse({"-h"}).information, HasSubstr("--node"));
+    EXPECT_THAT(parse({"list", "--help"}).information, HasSubstr("tev-agent list"));
+    EXPECT_THAT(parse({"get", "--help"}).information, HasSubstr("DN|SCHEMA-ID"));
+    EXPECT_THAT(parse({"check", "--help"}).information, HasSubstr("FILE.so"));
+}
+
+TEST(CommandLineTest, showsTheVersionEverywhere) {
+    for (const std::vector<const char*>& arguments :
+         {std::vector<const char*>{"--version"}, {"list", "--version"}, {"get", "--version"}, {"check", "--version"}}) {
+        EXPECT_THAT(parse(arguments).information, testing::MatchesRegex("tev-agent [0-9.]+\n"));
+    }
+}
+
+TEST(CommandLineTest, refusesAnUnknownOptionOrCommand) {
+    EXPECT_THAT(refusal({"--models", "m", "list", "--nothing"}), HasSubstr("--nothing"));
+    EXPECT_THAT(refusal({"--models", "m", "shout"}), HasSubstr("shout"));
+    EXPECT_THAT(refusal({"--models", "m", "list", "extra"}), HasSubstr("extra"));
+    EXPECT_THAT(refusal({"check", "a.so", "b.so"}), HasSubstr("b.so"));
+    EXPECT_THAT(refusal({"--models", "m", "list", "list"}), HasSubstr("list"));
+}
+
+TEST(CommandLineTest, refusesACommandLineWithoutACommand) {
+    EXPECT_THAT(refusal({}), HasSubstr("no command is given"));
+    EXPECT_THAT(refusal({"--models", "m"}), HasSubstr("no command is given"));
+}
+
+TEST(CommandLineTest, refusesWhatLacksItsValue) {
+    EXPECT_THAT(refusal({"--models"}), HasSubstr("--models"));
+    EXPECT_THAT(refusal({"--models", "m", "get"}), HasSubstr("DN|SCHEMA-ID is required"));
+}
+
+TEST(CommandLineTest, refusesValuesOutsideTheirRange) {
+    EXPECT_THAT(refusal({"--models", "m", "--output", "xml", "list"}), HasSubstr("xml"));
+    EXPECT_THAT(refusal({"--models", "m", "--log-level", "9", "list"}), HasSubstr("--log-level"));
+    EXPECT_THAT(refusal({"--models", "m", "--log-level", "-1", "list"}), HasSubstr("--log-level"));
+    EXPECT_THAT(refusal({"--models", "m", "--log-level", "all", "list"}), HasSubstr("--log-level"));
+}
+
+TEST(CommandLineTest, refusesAConfigurationOfAnotherName) {
+    EXPECT_THAT(refusal({"--models", "m", "--config", "/etc/other.cfg", "list"}),
+                HasSubstr("the file of --config must be named libtev_schema_populator.cfg, not other.cfg"));
+}
+
+TEST(CommandLineTest, refusesToListOrGetWithoutModels) {
+    EXPECT_THAT(refusal({"list"}), HasSubstr("neither --node nor --models says where the models are"));
+    EXPECT_THAT(refusal({"get", "x"}), HasSubstr("neither --node nor --models says where the models are"));
+}
+
+}  // namespace
+
+}  // namespace TevAgent

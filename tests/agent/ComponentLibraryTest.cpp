@@ -1,0 +1,91 @@
+#include "ComponentLibrary.h"
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+
+#include <memory>
+
+#include "Failure.h"
+#include "PortalService.h"
+#include "TempFolder.h"
+
+namespace TevAgent {
+
+namespace {
+
+using testing::StartsWith;
+
+std::string library(const std::string& name) {
+    return std::string(TEV_HOSTILE_COMPONENTS) + "/" + name + ".so";
+}
+
+std::string refusal(const std::string& path) {
+    try {
+        const ComponentLibrary loaded(path);
+        return "loaded";
+    } catch (const Failure& e) {
+        EXPECT_EQ(e.status(), ExitStatus::NotStarted);
+        return e.what();
+    }
+}
+
+bool isLoaded(const std::string& path) {
+    void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (handle != nullptr) {
+        dlclose(handle);
+    }
+    return handle != nullptr;
+}
+
+TEST(ComponentLibraryTest, isUnloadedAtItsEnd) {
+    const std::string path = library("registers_nothing");
+    {
+        const ComponentLibrary loaded(path);
+        EXPECT_EQ(loaded.path(), path);
+        EXPECT_TRUE(isLoaded(path));
+    }
+    EXPECT_FALSE(isLoaded(path));
+}
+
+TEST(ComponentLibraryTest, isUnloadedWhenAnEntryPointIsMissing) {
+    EXPECT_EQ(refusal(library("no_terminate")),
+              "cannot use component library " + library("no_terminate") + ": undefined symbol: dalLCMterminate");
+    EXPECT_FALSE(isLoaded(library("no_terminate")));
+}
+
+TEST(ComponentLibraryTest, namesPathAndReasonOfAFileThatCannotBeLoaded) {
+    EXPECT_EQ(refusal("/nowhere/x.so"),
+              "cannot use component library /nowhere/x.so: cannot open shared object file: No such file or directory");
+    const TevTest::TempFolder folder;
+    const std::string text = folder.write("text.so", "no library");
+    EXPECT_THAT(refusal(text), StartsWith("cannot use component library " + text + ": "));
+}
+
+TEST(ComponentLibraryTest, looksForANameWithoutAFolderInTheWorkingFolderOnly) {
+    EXPECT_THAT(refusal("libtev_common.so"), testing::EndsWith("No such file or directory"));
+}
+
+TEST(ComponentLibraryTest, terminatesWhatItInitialized) {
+    PortalService portal;
+    {
+        ComponentLibrary loaded(library("votes_no"));
+        loaded.initialize(PortalService::accessor(), nullptr);
+        EXPECT_EQ(portal.registered().size(), 1U);
+    }
+    EXPECT_TRUE(portal.registered().empty());
+}
+
+TEST(ComponentLibraryTest, givesTheCodeOfAnInitializationThatFails) {
+    ComponentLibrary loaded(library("init_returns_code"));
+    try {
+        loaded.initialize(PortalService::accessor(), nullptr);
+        FAIL() << "it was initialized";
+    } catch (const Failure& e) {
+        EXPECT_EQ(e.status(), ExitStatus::NotStarted);
+        EXPECT_EQ(e.what(), "cannot use component library " + loaded.path() + ": dalLCMinit returned -17");
+    }
+}
+
+}  // namespace
+
+}  // namespace TevAgent

@@ -1,0 +1,85 @@
+#include "JsonText.h"
+
+#include <Poco/JSON/Object.h>
+#include <Poco/JSON/Parser.h>
+#include <gmock/gmock.h>
+
+namespace TevAgent {
+
+namespace {
+
+using testing::ElementsAre;
+
+Poco::JSON::Object::Ptr parsed(const std::string& text) {
+    Poco::JSON::ParseHandler::Ptr inFileOrder(new Poco::JSON::ParseHandler(true));
+    return Poco::JSON::Parser(inFileOrder).parse(text).extract<Poco::JSON::Object::Ptr>();
+}
+
+Poco::JSON::Object::Ptr onlySchema(const Instance& instance) {
+    const auto schemas = parsed(JsonText::of(std::vector<Instance>{instance}))->getArray("schemas");
+    EXPECT_EQ(schemas->size(), 1U);
+    return schemas->getObject(0);
+}
+
+TEST(JsonTextTest, showsAttributesInTheirOrder) {
+    const auto schema = onlySchema({"", {{"z", {"1"}}, {"a", {"2"}}, {"m", {"3"}}}});
+    EXPECT_THAT(schema->getNames(), ElementsAre("z", "a", "m"));
+    EXPECT_EQ(schema->getValue<std::string>("z"), "1");
+    EXPECT_EQ(schema->getValue<std::string>("a"), "2");
+}
+
+TEST(JsonTextTest, showsNoValueAsNullAndAnEmptyTextAsAnEmptyString) {
+    const auto schema = onlySchema({"", {{"none", {}}, {"empty", {""}}}});
+    EXPECT_TRUE(schema->isNull("none"));
+    EXPECT_FALSE(schema->isNull("empty"));
+    EXPECT_EQ(schema->getValue<std::string>("empty"), "");
+}
+
+TEST(JsonTextTest, showsTheOptionsAlwaysAsAnArray) {
+    EXPECT_EQ(JsonText::of(std::vector<Instance>{{"", {{"selectedModelOptions", {}}}}}),
+              "{\"schemas\":[\n{\"selectedModelOptions\":[]}\n]}\n");
+    EXPECT_EQ(onlySchema({"", {{"selectedModelOptions", {"x"}}}})->getArray("selectedModelOptions")->size(), 1U);
+    const auto two = onlySchema({"", {{"selectedModelOptions", {"x", "y"}}}})->getArray("selectedModelOptions");
+    ASSERT_EQ(two->size(), 2U);
+    EXPECT_EQ(two->getElement<std::string>(0), "x");
+    EXPECT_EQ(two->getElement<std::string>(1), "y");
+}
+
+TEST(JsonTextTest, showsSeveralValuesOfAnyAttributeAsAnArray) {
+    EXPECT_EQ(onlySchema({"", {{"labels", {"x", "y"}}}})->getArray("labels")->size(), 2U);
+}
+
+TEST(JsonTextTest, isADocumentWithoutInstancesToo) {
+    EXPECT_EQ(JsonText::of(std::vector<Instance>{}), "{\"schemas\":[]}\n");
+}
+
+TEST(JsonTextTest, whatItWritesIsReadBack) {
+    for (const std::string& text : {std::string("a/b\\c\"d"), std::string("line\nfeed\ttab\x01\x1f\x7f"),
+                                    std::string("B\xc3\xb6se \xe2\x82\xac \xf0\x9f\x98\x80"), std::string("{}[],:")}) {
+        EXPECT_EQ(onlySchema({"", {{"a", {text}}}})->getValue<std::string>("a"), text);
+    }
+}
+
+TEST(JsonTextTest, repairsBytesThatAreNotUtf8) {
+    EXPECT_EQ(onlySchema({"", {{"a", {"x\xff"}}}})->getValue<std::string>("a"), "x\xef\xbf\xbd");
+}
+
+TEST(JsonTextTest, putsEachInstanceOnALineOfItsOwn) {
+    EXPECT_EQ(JsonText::of(std::vector<Instance>{{"", {{"a", {"1"}}}}, {"", {{"a", {"2"}}}}}),
+              "{\"schemas\":[\n{\"a\":\"1\"},\n{\"a\":\"2\"}\n]}\n");
+}
+
+TEST(JsonTextTest, showsCheckResults) {
+    const auto checks = parsed(JsonText::of(std::vector<CheckResult>{{"loads", true, ""}, {"reads", false, "why"}}))
+                            ->getArray("checks");
+    ASSERT_EQ(checks->size(), 2U);
+    EXPECT_THAT(checks->getObject(0)->getNames(), ElementsAre("item", "passed", "remark"));
+    EXPECT_EQ(checks->getObject(0)->getValue<std::string>("item"), "loads");
+    EXPECT_TRUE(checks->getObject(0)->getValue<bool>("passed"));
+    EXPECT_FALSE(checks->getObject(1)->getValue<bool>("passed"));
+    EXPECT_EQ(checks->getObject(1)->getValue<std::string>("remark"), "why");
+}
+
+}  // namespace
+
+}  // namespace TevAgent

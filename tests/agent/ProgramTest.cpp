@@ -1,0 +1,469 @@
+// The program from its command line: every command, every option and every exit status.
+
+#include <Poco/JSON/Object.h>
+#include <Poco/JSON/Parser.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "AgentProcess.h"
+#include "TestNode.h"
+
+namespace TevTest {
+
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+const std::string table =
+    "schemaId   identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n"
+    "Equipment  Equipment                        1.2                        Hot Swap\n"
+    "Plain      Plain\n"
+    "Transport  Transport   OrvaTransport        2.1.5    3.4               IpSec, Sync\n";
+
+std::string contents(const std::string& path) {
+    std::ifstream stream(path);
+    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+}
+
+std::vector<Poco::JSON::Object::Ptr> objectsIn(const std::string& json, const std::string& array) {
+    Poco::JSON::ParseHandler::Ptr inFileOrder(new Poco::JSON::ParseHandler(true));
+    const auto root = Poco::JSON::Parser(inFileOrder).parse(json).extract<Poco::JSON::Object::Ptr>();
+    EXPECT_EQ(root->size(), 1U);
+    std::vector<Poco::JSON::Object::Ptr> objects;
+    for (const auto& element : *root->getArray(array)) {
+        objects.push_back(element.extract<Poco::JSON::Object::Ptr>());
+    }
+    return objects;
+}
+
+std::vector<std::string> texts(const Poco::JSON::Array::Ptr& array) {
+    std::vector<std::string> result;
+    for (const auto& element : *array) {
+        result.push_back(element.convert<std::string>());
+    }
+    return result;
+}
+
+class ProgramTest : public testing::Test {
+protected:
+    AgentOutcome onNode(const std::vector<std::string>& command) const { return onNode(command, {}); }
+
+    AgentOutcome onNode(const std::vector<std::string>& command, const AgentProcess::Setting& setting) const {
+        std::vector<std::string> words = {"--node", node.path()};
+        words.insert(words.end(), command.begin(), command.end());
+        return AgentProcess::run(words, setting);
+    }
+
+    /// The command fails with this status, this sentence and no result.
+    static void expectFailure(const AgentOutcome& outcome, int status, const testing::Matcher<std::string>& said) {
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_THAT(outcome.err, AllOf(StartsWith("tev-agent: "), said));
+        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+        EXPECT_EQ(outcome.out, "");
+    }
+
+    std::string modelFile(const std::string& name) const { return node.path() + "/models/" + name; }
+
+    TestNode node;
+};
+
+// list
+
+TEST_F(ProgramTest, listShowsEverySchemaInstanceInTheOrderOfTheirNames) {
+    const AgentOutcome outcome = onNode({"list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, table);
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(ProgramTest, listWritesJsonThatAParserReadsBack) {
+    const AgentOutcome outcome = onNode({"--output", "json", "list"});
+    EXPECT_EQ(outcome.status, 0);
+    const auto schemas = objectsIn(outcome.out, "schemas");
+    ASSERT_EQ(schemas.size(), 3U);
+    for (const auto& schema : schemas) {
+        EXPECT_THAT(schema->getNames(), ElementsAre("schemaId", "identifier", "baseModelIdentifier", "version",
+                                                    "baseModelVersion", "selectedModelOptions"));
+    }
+    EXPECT_EQ(schemas[0]->getValue<std::string>("schemaId"), "Equipment");
+    EXPECT_TRUE(schemas[0]->isNull("baseModelIdentifier"));
+    EXPECT_EQ(schemas[0]->getValue<std::string>("version"), "1.2");
+    EXPECT_TRUE(schemas[0]->isNull("baseModelVersion"));
+    EXPECT_THAT(texts(schemas[0]->getArray("selectedModelOptions")), ElementsAre("Hot Swap"));
+    EXPECT_EQ(schemas[1]->getValue<std::string>("schemaId"), "Plain");
+    EXPECT_EQ(schemas[1]->getValue<std::string>("version"), "");
+    EXPECT_THAT(texts(schemas[1]->getArray("selectedModelOptions")), IsEmpty());
+    EXPECT_EQ(schemas[2]->getValue<std::string>("identifier"), "Transport");
+    EXPECT_EQ(schemas[2]->getValue<std::string>("baseModelIdentifier"), "OrvaTransport");
+    EXPECT_EQ(schemas[2]->getValue<std::string>("version"), "2.1.5");
+    EXPECT_EQ(schemas[2]->getValue<std::string>("baseModelVersion"), "3.4");
+    EXPECT_THAT(texts(schemas[2]->getArray("selectedModelOptions")), ElementsAre("IpSec", "Sync"));
+}
+
+TEST_F(ProgramTest, listOfAnEmptyFolderHasNoRows) {
+    const TempFolder empty;
+    const AgentOutcome outcome = AgentProcess::run({"--models", empty.path(), "list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out,
+              "schemaId  identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n");
+    EXPECT_THAT(objectsIn(AgentProcess::run({"--models", empty.path(), "--output=json", "list"}).out, "schemas"),
+                IsEmpty());
+}
+
+TEST_F(ProgramTest, listReportsEachBadModelFileOnOneLineAndListsTheOthers) {
+    node.writeModel("bad-empty.xml", "");
+    node.writeModel("bad-no-xml.xml", "mom name=Transport");
+    node.writeModel("bad-no-name.xml", "<mom version=\"1\"/>");
+    node.writeModel("bad-name.xml", "<mom name=\"a=b\"/>");
+    node.writeModel("bad-cut.xml", "<mom name=\"Cut\">\n<domain name=\"ORVA\">\n<prop");
+    node.writeModel("bad-big.xml",
+                    "<mom name=\"Big\"><feature name=\"f\"/><!--" + std::string(300000, 'x') + "--><class/></mom>");
+    node.writeModel("bad-root.xml", "<model name=\"Root\"/>");
+    node.writeModel("bad-twin.xml", "<mom name=\"Transport\" version=\"2\"/>");
+    std::filesystem::create_directory(modelFile("bad-folder.xml"));
+    std::filesystem::create_symlink("nowhere", modelFile("bad-link.xml"));
+    const AgentOutcome outcome = onNode({"list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, AllOf(HasSubstr("Equipment  Equipment"), HasSubstr("Plain      Plain")));
+    for (const char* file :
+         {"bad-empty.xml:", "bad-no-xml.xml:1: ", "bad-no-name.xml:1: ", "bad-name.xml:1: ", "bad-cut.xml:3: ",
+          "bad-big.xml:1: ", "bad-root.xml:1: ", "bad-folder.xml: ", "bad-link.xml: "}) {
+        EXPECT_THAT(outcome.err, HasSubstr("tev-agent: " + modelFile(file)));
+    }
+    EXPECT_THAT(outcome.err, HasSubstr("1.xml"));
+    EXPECT_THAT(outcome.err, HasSubstr("bad-twin.xml"));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 10) << outcome.err;
+}
+
+TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysSoOnce) {
+    node.writeModel("4.xml", R"(<mom name="Transport" version="3"/>)");
+    node.writeModel("5.xml", R"(<mom name="Transport" version="4"/>)");
+    node.writeModel("6.xml", R"(<mom name="Plain" version="4"/>)");
+    const AgentOutcome outcome = onNode({"list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, table);
+    EXPECT_EQ(outcome.err,
+              "tev-agent: there are several versions of Plain, Transport; the values are those of the first version\n");
+}
+
+TEST_F(ProgramTest, listNeedsASysMObjectWhenThereAreManagedObjects) {
+    node.writeObjects("<managedObjects><mo class=\"ManagedElement\" id=\"1\"/></managedObjects>");
+    expectFailure(onNode({"list"}), 1, HasSubstr("managed-objects.xml has no SysM object"));
+}
+
+TEST_F(ProgramTest, listShowsTheExampleNode) {
+    const AgentOutcome outcome = AgentProcess::run({"--node", TEV_EXAMPLE_NODE, "--output", "json", "list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    const std::filesystem::path models = std::filesystem::path(TEV_EXAMPLE_NODE) / "models";
+    const auto files = std::distance(std::filesystem::directory_iterator(models), {});
+    EXPECT_EQ(static_cast<std::ptrdiff_t>(objectsIn(outcome.out, "schemas").size()), files);
+}
+
+TEST_F(ProgramTest, listDoesNotDependOnTheOrderOfTheFiles) {
+    std::filesystem::rename(modelFile("1.xml"), modelFile("8.xml"));
+    std::filesystem::rename(modelFile("3.xml"), modelFile("0.xml"));
+    EXPECT_EQ(onNode({"list"}).out, table);
+}
+
+// get
+
+TEST_F(ProgramTest, getShowsOneInstanceByItsSchemaId) {
+    const AgentOutcome outcome = onNode({"get", "Transport"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out,
+              "schemaId   identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n"
+              "Transport  Transport   OrvaTransport        2.1.5    3.4               IpSec, Sync\n");
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(ProgramTest, getTakesADnAsItIs) {
+    EXPECT_EQ(onNode({"get", "ManagedElement=1,SystemFunctions=1,SysM=1,Schema=Transport", "version"}).out,
+              "version\n2.1.5\n");
+    EXPECT_EQ(onNode({"get", "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"}).out, "dscp\n10\n");
+}
+
+TEST_F(ProgramTest, getShowsJustTheAttributesNamedInTheirOrder) {
+    EXPECT_EQ(onNode({"get", "Transport", "selectedModelOptions", "schemaId"}).out,
+              "selectedModelOptions  schemaId\nIpSec, Sync           Transport\n");
+    const auto schemas =
+        objectsIn(onNode({"--output=json", "get", "Transport", "selectedModelOptions", "schemaId"}).out, "schemas");
+    ASSERT_EQ(schemas.size(), 1U);
+    EXPECT_THAT(schemas[0]->getNames(), ElementsAre("selectedModelOptions", "schemaId"));
+}
+
+TEST_F(ProgramTest, getOfAnUnknownInstanceSaysThatThereIsNone) {
+    expectFailure(onNode({"get", "Nothing"}), 1, HasSubstr("there is no " + TestNode::schemaDn("Nothing") + "\n"));
+    expectFailure(onNode({"get", ""}), 1, HasSubstr("there is no " + TestNode::schemaDn("") + "\n"));
+    expectFailure(onNode({"get", "ManagedElement=2", "dscp"}), 1, HasSubstr("there is no ManagedElement=2\n"));
+    expectFailure(onNode({"get", "ManagedElement=1,Schema=Transport"}), 1,
+                  HasSubstr("there is no ManagedElement=1,Schema=Transport\n"));
+}
+
+TEST_F(ProgramTest, getOfAnUnknownAttributeSaysThatTheInstanceHasNone) {
+    expectFailure(onNode({"get", "Plain", "Version"}), 1,
+                  HasSubstr(TestNode::schemaDn("Plain") + " has no attribute Version\n"));
+    expectFailure(onNode({"get", "ManagedElement=1", "dscp"}), 1,
+                  HasSubstr("ManagedElement=1 has no attribute dscp\n"));
+}
+
+// check
+
+TEST_F(ProgramTest, checkPassesTheComponentItemByItem) {
+    const AgentOutcome outcome = onNode({"check"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, std::string("loads: passed: ") + TEV_COMPONENT_LIBRARY +
+                               "\n"
+                               "tables well-formed: passed: component TevSchemaMoService\n"
+                               "starts and stops: passed\n"
+                               "lists: passed: 3 instances\n"
+                               "reads: passed: 3 instances\n");
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(ProgramTest, checkTakesALibraryAndNeedsNoNode) {
+    const AgentOutcome outcome = AgentProcess::run({"check", TEV_COMPONENT_LIBRARY});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, HasSubstr("lists: passed: 0 instances\n"));
+}
+
+TEST_F(ProgramTest, checkWritesJson) {
+    const AgentOutcome outcome = onNode({"check", "--output", "json"});
+    EXPECT_EQ(outcome.status, 0);
+    const auto checks = objectsIn(outcome.out, "checks");
+    ASSERT_EQ(checks.size(), 5U);
+    EXPECT_EQ(checks[3]->getValue<std::string>("item"), "lists");
+    EXPECT_TRUE(checks[3]->getValue<bool>("passed"));
+    EXPECT_EQ(checks[3]->getValue<std::string>("remark"), "3 instances");
+}
+
+TEST_F(ProgramTest, checkOfAFileThatIsNoLibraryFails) {
+    const AgentOutcome outcome = AgentProcess::run({"check", modelFile("1.xml")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out, StartsWith("loads: failed: cannot use component library " + modelFile("1.xml") + ": "));
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 5);
+}
+
+// options
+
+TEST_F(ProgramTest, theFilesOfANodeMayBeNamedOneByOne) {
+    const AgentOutcome outcome = AgentProcess::run(
+        {"--models", node.path() + "/models", "--objects", node.path() + "/managed-objects.xml", "--config",
+         node.path() + "/libtev_schema_populator.cfg", "--component", TEV_COMPONENT_LIBRARY, "list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, table);
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(ProgramTest, modelsAloneAreEnough) {
+    EXPECT_EQ(AgentProcess::run({"--models", node.path() + "/models", "list"}).out, table);
+    expectFailure(AgentProcess::run({"--models", node.path() + "/models", "get", "Nothing"}), 1,
+                  HasSubstr("there is no ManagedElement=1,SystemFunctions=1,SysM=1,Schema=Nothing"));
+}
+
+TEST_F(ProgramTest, pathsMayBeRelative) {
+    AgentProcess::Setting setting;
+    setting.workingFolder = node.path();
+    EXPECT_EQ(AgentProcess::run({"--node", ".", "list"}, setting).out, table);
+    setting.workingFolder = std::filesystem::path(TEV_COMPONENT_LIBRARY).parent_path();
+    const std::string name = std::filesystem::path(TEV_COMPONENT_LIBRARY).filename();
+    EXPECT_EQ(onNode({"--component", name, "list"}, setting).out, table);
+}
+
+TEST_F(ProgramTest, theComponentGetsThePathOfItsConfigurationAndFindsItASecondTime) {
+    const std::string library = std::string(TEV_HOSTILE_COMPONENTS) + "/tells_configuration.so";
+    EXPECT_EQ(onNode({"--component", library, "get", "one", "version"}).err,
+              "configuration " + node.path() + "/libtev_schema_populator.cfg, folder " + node.path() + "\n");
+    AgentProcess::Setting setting;
+    setting.workingFolder = node.path();
+    EXPECT_EQ(AgentProcess::run({"--models", "models", "--config", "libtev_schema_populator.cfg", "--component",
+                                 library, "get", "one", "version"},
+                                setting)
+                  .err,
+              "configuration libtev_schema_populator.cfg, folder " + node.path() + "\n");
+}
+
+TEST_F(ProgramTest, theComponentGetsNoPathWithoutAConfiguration) {
+    const std::string library = std::string(TEV_HOSTILE_COMPONENTS) + "/tells_configuration.so";
+    EXPECT_EQ(
+        AgentProcess::run({"--models", node.path() + "/models", "--component", library, "get", "one", "version"}).err,
+        "configuration none, folder none\n");
+}
+
+TEST_F(ProgramTest, aConfigurationThatCannotBeReadIsReportedAndTheDefaultsAreUsed) {
+    const TempFolder folder;
+    const std::string file = folder.write("libtev_schema_populator.cfg", "<configuration>\n<cut");
+    const AgentOutcome outcome = onNode({"--config", file, "list"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, table);
+    EXPECT_THAT(outcome.err, AllOf(StartsWith("tev-agent: "), HasSubstr(file), HasSubstr("the defaults are used\n")));
+}
+
+TEST_F(ProgramTest, furtherRoutesStandInTheObjectsFile) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    const std::string library = std::string(TEV_HOSTILE_COMPONENTS) + "/prints.so";
+    const AgentOutcome outcome = onNode({"--component", library, "get", "ManagedElement=1,Licence=5", "expiry"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "expiry\nvalue\n");
+}
+
+TEST_F(ProgramTest, aRouteToAComponentThatIsNotThereNamesIt) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="LicenceService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    expectFailure(onNode({"get", "ManagedElement=1,Licence=5", "expiry"}), 1,
+                  HasSubstr("cannot read attribute expiry of ManagedElement=1,Licence=5: class Licence belongs to "
+                            "component LicenceService, which is not there or offers no managed objects\n"));
+}
+
+TEST_F(ProgramTest, logsNothingUnlessAsked) {
+    EXPECT_EQ(onNode({"get", "Plain", "version"}).err, "");
+}
+
+TEST_F(ProgramTest, logsToStandardErrorAtTheLevelAskedFor) {
+    const AgentOutcome outcome = onNode({"--log-level", "8", "get", "Plain", "version"});
+    EXPECT_EQ(outcome.out, "version\n\n");
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr(" LOG 6 "), HasSubstr(" DEBUG ")));
+    EXPECT_THAT(onNode({"--log-level", "6", "get", "Plain", "version"}).err,
+                AllOf(HasSubstr(" LOG 6 "), Not(HasSubstr(" DEBUG "))));
+}
+
+TEST_F(ProgramTest, theEnvironmentMayAskForALogToo) {
+    AgentProcess::Setting setting;
+    setting.environment = {{"TEV_LOG_LEVEL", "6"}};
+    EXPECT_THAT(onNode({"get", "Plain", "version"}, setting).err, HasSubstr(" LOG 6 "));
+    EXPECT_EQ(onNode({"--log-level", "0", "get", "Plain", "version"}, setting).err, "");
+}
+
+TEST_F(ProgramTest, logsToAFile) {
+    const TempFolder folder;
+    const std::string file = folder.path() / "agent.log";
+    const AgentOutcome outcome = onNode({"--log-file", file, "--log-level", "6", "get", "Plain", "version"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(contents(file), HasSubstr(" LOG 6 "));
+    // Asking for a file is asking for a log: the usual level, at which a refused instance is noted.
+    const std::string other = folder.path() / "other.log";
+    EXPECT_EQ(onNode({"--log-file", other, "get", "Nothing"}).status, 1);
+    EXPECT_THAT(contents(other), AllOf(HasSubstr(" LOG 3 "), Not(HasSubstr(" LOG 6 "))));
+}
+
+TEST_F(ProgramTest, theUsualComponentIsTheLibraryBesideTheProgram) {
+    const TempFolder prefix;
+    std::filesystem::create_directory(prefix.path() / "bin");
+    std::filesystem::create_directory(prefix.path() / "lib");
+    AgentProcess::Setting setting;
+    setting.program = prefix.path() / "bin" / "tev-agent";
+    std::filesystem::copy_file(TEV_AGENT_PROGRAM, setting.program);
+    const std::filesystem::path library = prefix.path() / "lib" / "libtev_schema_populator.so";
+    std::filesystem::copy_file(TEV_COMPONENT_LIBRARY, library);
+    EXPECT_THAT(onNode({"check"}, setting).out, StartsWith("loads: passed: " + library.string() + "\n"));
+}
+
+TEST_F(ProgramTest, withoutALibraryBesideItTheUsualComponentIsTheInstalledOne) {
+    const TempFolder prefix;
+    AgentProcess::Setting setting;
+    setting.program = prefix.path() / "tev-agent";
+    std::filesystem::copy_file(TEV_AGENT_PROGRAM, setting.program);
+    EXPECT_THAT(onNode({"check"}, setting).out, StartsWith(std::string("loads: failed: cannot use component library ") +
+                                                           TEV_INSTALLED_LIBRARIES + "/libtev_schema_populator.so: "));
+}
+
+TEST_F(ProgramTest, helpAndVersionAreResults) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--help"}, {"list", "--help"}, {"get", "--help"}, {"check", "-h"}}) {
+        const AgentOutcome outcome = AgentProcess::run(arguments);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.out, HasSubstr("Usage: tev-agent"));
+        EXPECT_EQ(outcome.err, "");
+    }
+    EXPECT_THAT(AgentProcess::run({"--help"}).out, AllOf(HasSubstr("--node"), HasSubstr("list"), HasSubstr("check")));
+    const AgentOutcome version = AgentProcess::run({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_THAT(version.out, testing::MatchesRegex("tev-agent [0-9.]+\n"));
+}
+
+// exit statuses
+
+TEST_F(ProgramTest, wrongUsageIsStatus2) {
+    expectFailure(AgentProcess::run({}), 2, HasSubstr("no command is given"));
+    expectFailure(AgentProcess::run({"list"}), 2, HasSubstr("--node"));
+    expectFailure(onNode({"--nothing", "list"}), 2, HasSubstr("--nothing"));
+    expectFailure(onNode({"shout"}), 2, HasSubstr("shout"));
+    expectFailure(onNode({"get"}), 2, HasSubstr("DN|SCHEMA-ID"));
+    expectFailure(onNode({"--output", "xml", "list"}), 2, HasSubstr("xml"));
+    expectFailure(onNode({"--log-level", "9", "list"}), 2, HasSubstr("--log-level"));
+    expectFailure(onNode({"list", "--config", "/etc/other.cfg"}), 2, HasSubstr("libtev_schema_populator.cfg"));
+}
+
+TEST_F(ProgramTest, anAgentThatCannotStartIsStatus3) {
+    expectFailure(AgentProcess::run({"--models", "/nowhere", "list"}), 3, HasSubstr("/nowhere"));
+    expectFailure(AgentProcess::run({"--node", "/nowhere", "check"}), 3, HasSubstr("/nowhere"));
+    expectFailure(onNode({"--objects", "/nowhere", "list"}), 3, HasSubstr("/nowhere"));
+    expectFailure(onNode({"--component", "/nowhere.so", "list"}), 3,
+                  HasSubstr("cannot use component library /nowhere.so: "));
+}
+
+TEST_F(ProgramTest, aBadObjectsFileIsStatus3WithFileAndLine) {
+    const std::string place = node.path() + "/managed-objects.xml:2: ";
+    for (const char* bad :
+         {"<managedObjects>\n<mo class=\"A\" id=\"1\"><attribute name=\"a\" type=\"int9\"/></mo></managedObjects>",
+          "<managedObjects>\n<mo class=\"A\" id=\"1\"><attribute name=\"a\" "
+          "type=\"int8\"><value>128</value></attribute></mo></managedObjects>",
+          "<managedObjects><mo class=\"A\" id=\"1\"/>\n<mo class=\"A\" id=\"1\"/></managedObjects>",
+          "<managedObjects>\n<thing/></managedObjects>"}) {
+        node.writeObjects(bad);
+        expectFailure(onNode({"list"}), 3, HasSubstr(place));
+    }
+}
+
+TEST_F(ProgramTest, twoRoutesOfAClassToDifferentComponentsAreStatus3) {
+    node.writeObjects(R"(<managedObjects><route class="Schema" parent="ManagedElement,SystemFunctions,SysM"
+                         component="Thief"/></managedObjects>)");
+    expectFailure(onNode({"list"}), 3,
+                  HasSubstr("class Schema is routed to two components, TevSchemaMoService and Thief"));
+}
+
+TEST_F(ProgramTest, resultsThatCannotBeWrittenAreStatus1) {
+    AgentProcess::Setting full;
+    full.outputFile = "/dev/full";
+    AgentProcess::Setting closed;
+    closed.isOutputClosed = true;
+    AgentProcess::Setting gone;
+    gone.isReaderGone = true;
+    for (const std::vector<std::string>& command : {std::vector<std::string>{"list"},
+                                                    {"get", "Plain"},
+                                                    {"check"},
+                                                    {"--output=json", "list"},
+                                                    {"--help"},
+                                                    {"--version"}}) {
+        expectFailure(onNode(command, full), 1, HasSubstr("cannot write to standard output: No space left on device"));
+        expectFailure(onNode(command, closed), 1, HasSubstr("cannot write to standard output: Bad file descriptor"));
+        expectFailure(onNode(command, gone), 1, HasSubstr("cannot write to standard output: Broken pipe"));
+    }
+}
+
+TEST_F(ProgramTest, anInterruptedCommandIsStatus130UnlessInterruptsAreIgnored) {
+    const std::string library = std::string(TEV_HOSTILE_COMPONENTS) + "/interrupts_itself.so";
+    const std::vector<std::string> command = {"--component", library, "get", "one", "version"};
+    expectFailure(onNode(command), 130, HasSubstr("tev-agent: interrupted\n"));
+    AgentProcess::Setting setting;
+    setting.isSigintIgnored = true;
+    EXPECT_EQ(onNode(command, setting).out, "version\nvalue\n");
+}
+
+}  // namespace
+
+}  // namespace TevTest

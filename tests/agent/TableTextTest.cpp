@@ -1,0 +1,63 @@
+#include "TableText.h"
+
+#include <gmock/gmock.h>
+
+namespace TevAgent {
+
+namespace {
+
+const std::vector<std::string> names = {"schemaId", "version", "options"};
+
+Instance instance(const std::string& id, const std::vector<std::string>& version,
+                  const std::vector<std::string>& options) {
+    return {"", {{"schemaId", {id}}, {"version", version}, {"options", options}}};
+}
+
+TEST(TableTextTest, hasAHeaderAndARowForEachInstanceInAlignedColumns) {
+    EXPECT_EQ(TableText::of(names, {instance("A", {"1.22.333"}, {"x"}), instance("LongModelName", {"2"}, {"y"})}),
+              "schemaId       version   options\n"
+              "A              1.22.333  x\n"
+              "LongModelName  2         y\n");
+}
+
+TEST(TableTextTest, hasOnlyTheHeaderWithoutInstances) {
+    EXPECT_EQ(TableText::of(names, {}), "schemaId  version  options\n");
+}
+
+TEST(TableTextTest, showsNoValueAsNothingAndLeavesNoBlanksAtTheEndOfALine) {
+    EXPECT_EQ(TableText::of(names, {instance("A", {}, {"x"}), instance("B", {"1"}, {}), instance("C", {}, {})}),
+              "schemaId  version  options\n"
+              "A                  x\n"
+              "B         1\n"
+              "C\n");
+}
+
+TEST(TableTextTest, joinsSeveralValuesWithACommaAndABlank) {
+    EXPECT_EQ(TableText::of({"options"}, {{"", {{"options", {"IpSec", "Sync", "x"}}}}}), "options\nIpSec, Sync, x\n");
+    EXPECT_EQ(TableText::of({"options"}, {{"", {{"options", {"", "x"}}}}}), "options\n, x\n");
+}
+
+TEST(TableTextTest, alignsByCharactersNotBytes) {
+    EXPECT_EQ(TableText::of(names, {instance("M\xc3\xb6\xc3\xb6re-Mod", {"1"}, {}), instance("plain", {"2"}, {})}),
+              "schemaId   version  options\n"
+              "M\xc3\xb6\xc3\xb6re-Mod  1\n"
+              "plain      2\n");
+}
+
+TEST(TableTextTest, makesControlCharactersHarmless) {
+    EXPECT_EQ(TableText::of({"a"}, {{"",
+                                     {{"a",
+                                       {"x\ny\x1b[2J\xc2\x9b"
+                                        "1m\x80"}}}}}),
+              "a\nx\\ny\\x1b[2J\\x9b1m\xef\xbf\xbd\n");
+}
+
+TEST(TableTextTest, writesACheckResultOnOneLine) {
+    EXPECT_EQ(TableText::of(CheckResult{"loads", true, ""}), "loads: passed\n");
+    EXPECT_EQ(TableText::of(CheckResult{"loads", true, "well"}), "loads: passed: well\n");
+    EXPECT_EQ(TableText::of(CheckResult{"loads", false, "no\nfile"}), "loads: failed: no\\nfile\n");
+}
+
+}  // namespace
+
+}  // namespace TevAgent

@@ -1,0 +1,6 @@
+// Throws an int while it is initialized.
+#include "EntryPoints.h"
+
+void damage(GoodComponent&) {
+    throw 42;
+}

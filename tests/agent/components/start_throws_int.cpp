@@ -1,0 +1,6 @@
+// Throws an int while it is started.
+#include "EntryPoints.h"
+
+void damage(GoodComponent& component) {
+    component.component.start = [](DalStateChangeReason) -> TevReturnT { throw 42; };
+}

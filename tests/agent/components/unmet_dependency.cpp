@@ -1,0 +1,8 @@
+// Depends on what nobody offers.
+#include "EntryPoints.h"
+
+static DalMgmtSpiInterface_1 wanted = {"NobodysService", "Nothing", "4"};
+
+void damage(GoodComponent& component) {
+    component.dependencies[0] = &wanted;
+}
