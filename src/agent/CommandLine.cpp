@@ -111,10 +111,11 @@ void applyNode(const std::string& node, Settings& settings) {
     throw Failure(ExitStatus::WrongUsage, reason + " (tev-agent --help shows the usage)");
 }
 
-/// What is wrong with the use of an option that takes one value, for the parser tells it in few words.
+/// What is wrong with the use of an option that takes one value. The parser tells the two cases apart by words only.
 std::string misuse(const CLI::ArgumentMismatch& error) {
     const std::string what = error.what();
-    return what.substr(0, what.find(':')) + " stands without its value, or more than once";
+    const bool isMissing = what.find(" missing") != std::string::npos;
+    return what.substr(0, what.find(':')) + (isMissing ? " stands without its value" : " stands more than once");
 }
 
 void verifyAttributes(const Settings& settings) {
