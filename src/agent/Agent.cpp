@@ -1,5 +1,7 @@
 #include "Agent.h"
 
+#include <utility>
+
 #include "Failure.h"
 #include "ModelFolder.h"
 #include "Portal.h"
@@ -19,11 +21,11 @@ std::vector<Model> readModels(const std::string& folder) {
     if (folder.empty()) {
         return {};
     }
-    const ModelFolder content = ModelFolder::read(folder);
+    ModelFolder content = ModelFolder::read(folder);
     for (const Problem& problem : content.problems()) {
         Diagnostics::say(problem.text());
     }
-    return content.models();
+    return std::move(content).models();
 }
 
 /// Components make do with their defaults when their configuration cannot be read; the operator has to know.

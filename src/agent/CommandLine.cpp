@@ -2,46 +2,76 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <set>
 #include <sstream>
+#include <system_error>
 
 #include "Failure.h"
 #include "LoggingWrapper.h"
+#include "SchemaClass.h"
 
 namespace TevAgent {
 
 namespace {
 
+constexpr const char* table = "table";
 constexpr const char* json = "json";
 
 /// What stands on the command line for several settings, or for one in another form.
 struct Words {
     std::string node;
-    std::string output = "table";
+    std::string output = table;
 };
+
+/// Keeps an empty text, which a shell makes of a variable that is not set, from being taken for no option at all.
+const CLI::Validator notEmpty([](const std::string& text) { return text.empty() ? "the value is empty" : ""; }, "");
+
+const CLI::Validator aLevel(
+    [](const std::string& text) {
+        const std::string highest = std::to_string(Tev::LoggingWrapper::maxLevel);
+        const bool isLevel = text.size() == 1 && text >= "0" && text <= highest;
+        return isLevel ? "" : "\"" + text + "\" is not a whole number from 0 to " + highest;
+    },
+    "");
+
+const CLI::Validator anOutput(
+    [](const std::string& text) {
+        return text == table || text == json ? "" : "\"" + text + "\" is neither table nor json";
+    },
+    "");
 
 void addOptions(CLI::App& app, Settings& settings, Words& words) {
     app.add_option("--node", words.node,
                    "The node: DIR/models, DIR/managed-objects.xml and, where it is there, "
                    "DIR/libtev_schema_populator.cfg")
-        ->type_name("DIR");
-    app.add_option("--models", settings.models, "The folder of the model files")->type_name("DIR");
-    app.add_option("--objects", settings.objects, "The managed objects of the rest of the node")->type_name("FILE");
+        ->type_name("DIR")
+        ->check(notEmpty);
+    app.add_option("--models", settings.models, "The folder of the model files")->type_name("DIR")->check(notEmpty);
+    app.add_option("--objects", settings.objects, "The managed objects of the rest of the node")
+        ->type_name("FILE")
+        ->check(notEmpty);
     app.add_option("--component", settings.components, "A component to load in place of the usual one; repeatable")
         ->type_name("FILE.so")
+        ->check(notEmpty)
         ->allow_extra_args(false);
-    app.add_option("--config", settings.configuration, "The component's configuration")->type_name("FILE");
+    app.add_option("--config", settings.configuration, "The component's configuration")
+        ->type_name("FILE")
+        ->check(notEmpty);
     app.add_option("--log-level", settings.logLevel, "How much is logged: 0 (nothing, the default) to 8 (everything)")
         ->type_name("N")
-        ->check(CLI::Range(0, Tev::LoggingWrapper::maxLevel).description(""));
-    app.add_option("--log-file", settings.logFile, "Where to log to in place of standard error")->type_name("FILE");
+        ->check(aLevel);
+    app.add_option("--log-file", settings.logFile, "Where to log to in place of standard error")
+        ->type_name("FILE")
+        ->check(notEmpty);
     app.add_option("--output", words.output, "How results are written; the default is table")
         ->type_name("table|json")
-        ->check(CLI::IsMember(std::vector<std::string>{words.output, json}).description(""));
+        ->check(anOutput);
 }
 
 CLI::App* addCommand(CLI::App& app, Settings& settings, const char* name, Settings::Command command,
                      const char* description) {
     CLI::App* const added = app.add_subcommand(name, description);
+    added->group("Commands");
     added->footer("The options of tev-agent (tev-agent --help) may stand here, too.");
     added->callback([&settings, command] { settings.command = command; });
     return added;
@@ -51,15 +81,17 @@ void addCommands(CLI::App& app, Settings& settings) {
     addCommand(app, settings, "list", Settings::Command::List, "Every Schema instance with its attributes");
     CLI::App* const get = addCommand(app, settings, "get", Settings::Command::Get, "One instance");
     get->add_option("DN|SCHEMA-ID", settings.target, "The DN of any object, or a schema id")->required();
-    get->add_option("ATTRIBUTE", settings.attributes, "What to show; all attributes of a Schema instance when absent");
+    get->add_option("ATTRIBUTE", settings.attributes,
+                    "What to show; all attributes when absent, which goes for Schema instances only");
     CLI::App* const check =
         addCommand(app, settings, "check", Settings::Command::Check, "Tries a component against its contract");
-    check->add_option("FILE.so", settings.checkedLibrary, "The component; the one that is loaded when absent");
+    check->add_option("FILE.so", settings.checkedLibrary, "The component; the one that is loaded when absent")
+        ->check(notEmpty);
 }
 
 /// Files of the node stand in where none is named.
 void applyNode(const std::string& node, Settings& settings) {
-    const std::filesystem::path folder = std::filesystem::path(node + "/").lexically_normal();
+    const std::filesystem::path folder = node;
     if (settings.models.empty()) {
         settings.models = folder / "models";
     }
@@ -67,7 +99,10 @@ void applyNode(const std::string& node, Settings& settings) {
         settings.objects = folder / "managed-objects.xml";
     }
     const std::filesystem::path configuration = folder / Settings::configurationName;
-    if (settings.configuration.empty() && std::filesystem::exists(configuration)) {
+    // One that is there but cannot be used, such as a link to nothing, is not passed over: it is reported later.
+    std::error_code ignored;
+    const std::filesystem::file_type type = std::filesystem::symlink_status(configuration, ignored).type();
+    if (settings.configuration.empty() && type != std::filesystem::file_type::not_found) {
         settings.configuration = configuration;
     }
 }
@@ -76,7 +111,29 @@ void applyNode(const std::string& node, Settings& settings) {
     throw Failure(ExitStatus::WrongUsage, reason + " (tev-agent --help shows the usage)");
 }
 
+/// What is wrong with the use of an option that takes one value. The parser tells the two cases apart by words only.
+std::string misuse(const CLI::ArgumentMismatch& error) {
+    const std::string what = error.what();
+    const bool isMissing = what.find(" missing") != std::string::npos;
+    return what.substr(0, what.find(':')) + (isMissing ? " stands without its value" : " stands more than once");
+}
+
+void verifyAttributes(const Settings& settings) {
+    std::set<std::string> names;
+    for (const std::string& name : settings.attributes) {
+        if (!names.insert(name).second) {
+            refuse("the attribute " + name + " is named twice");
+        }
+    }
+    if (settings.hasDn() && settings.attributes.empty() && !SchemaClass::isClassOf(settings.target)) {
+        refuse("the attributes to show of " + settings.target + " must be named, because it is no Schema instance");
+    }
+}
+
 void verify(const Settings& settings) {
+    if (settings.command == Settings::Command::Get) {
+        verifyAttributes(settings);
+    }
     const bool needsModels = settings.command != Settings::Command::Check;
     if (needsModels && settings.models.empty()) {
         refuse("neither --node nor --models says where the models are");
@@ -95,7 +152,6 @@ Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
     CLI::App app("Hosts the management components of a node and shows what they serve.", "tev-agent");
     app.require_subcommand(0, 1);  // that there is one is verified last, so that an unknown one is named
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.get_formatter()->label("Subcommands", "Commands");
     app.fallthrough();  // the options may stand behind the command, too
     app.set_help_flag("-h,--help", "Show this help");
     app.set_version_flag("--version", "tev-agent " TEV_VERSION, "Show the version");
@@ -104,16 +160,20 @@ Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::Success& e) {
+        app.require_subcommand(1);  // the usage shows it as required
         std::ostringstream text;
         app.exit(e, text, text);
         settings.information = text.str();
         return settings;
+    } catch (const CLI::ArgumentMismatch& e) {
+        refuse(misuse(e));
     } catch (const CLI::ParseError& e) {
         refuse(e.what());
     }
     if (app.get_subcommands().empty()) {
         refuse("no command is given");
     }
+    settings.isConfigurationNamed = !settings.configuration.empty();
     if (!words.node.empty()) {
         applyNode(words.node, settings);
     }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <set>
+#include <system_error>
 
 #include "ComponentCheck.h"
 #include "Diagnostics.h"
@@ -18,9 +19,11 @@ namespace {
 /// The library of the component that this agent is made for: beside the program, else the installed one.
 std::string usualLibrary() {
     const std::string name = "libtev_schema_populator.so";
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    // Where the system does not tell, there is nothing beside the program.
+    std::error_code ignored;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
     const std::filesystem::path beside = program.parent_path().parent_path() / "lib" / name;
-    return std::filesystem::exists(beside) ? beside.string() : TEV_INSTALLED_LIBRARIES "/" + name;
+    return std::filesystem::exists(beside, ignored) ? beside.string() : TEV_INSTALLED_LIBRARIES "/" + name;
 }
 
 std::vector<std::string> librariesOf(const Settings& settings) {
@@ -84,8 +87,7 @@ ExitStatus Commands::list(Agent& agent) {
 }
 
 ExitStatus Commands::get(Agent& agent) {
-    const bool isDn = settings.target.find('=') != std::string::npos;
-    const std::string dn = isDn ? settings.target : agent.schemaDn(settings.target);
+    const std::string dn = settings.hasDn() ? settings.target : agent.schemaDn(settings.target);
     const std::vector<std::string>& attributes =
         settings.attributes.empty() ? SchemaClass::attributes() : settings.attributes;
     Operation operation(agent);

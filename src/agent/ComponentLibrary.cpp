@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <filesystem>
+#include <system_error>
 #include <type_traits>
 
 #include "Barrier.h"
@@ -24,10 +25,31 @@ std::string loaderError(const std::string& file) {
     return reason.compare(0, prefix.size(), prefix) == 0 ? reason.substr(prefix.size()) : reason;
 }
 
-void* open(const std::string& file) {
-    void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+/// Absolute, because the loader searches elsewhere for a name without a slash; ".." stays, because it may follow a
+/// link.
+std::string absolutePath(const std::string& file) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(file, error);
+    if (error) {
+        refuse(file, error.message());
+    }
+    return path;
+}
+
+// The loader's functions are declared to throw nothing, but what a library runs while it is loaded or unloaded may
+// throw all the same. Through a pointer that can change, the compiler cannot know whom it calls and keeps the barrier.
+void* (*volatile loadLibrary)(const char*, int) = dlopen;
+int (*volatile unloadLibrary)(void*) = dlclose;
+
+void* open(const std::string& file, const std::string& name) {
+    Diagnostics::Capture capture;
+    void* library = nullptr;
+    Barrier::call(name, "dlopen", [&] {
+        library = loadLibrary(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+        return TevReturnOk;
+    });
     if (library == nullptr) {
-        refuse(file, loaderError(file));
+        refuse(file, capture.isEmpty() ? loaderError(file) : capture.takeOr(""));
     }
     return library;
 }
@@ -35,14 +57,16 @@ void* open(const std::string& file) {
 }  // namespace
 
 ComponentLibrary::Handle::~Handle() {
-    dlclose(value);
+    Barrier::call(name, "dlclose", [this] {
+        unloadLibrary(value);
+        return TevReturnOk;
+    });
 }
 
 ComponentLibrary::ComponentLibrary(const std::string& libraryPath)
-    // Absolute, because the loader searches elsewhere for a name without a slash.
-    : file(std::filesystem::absolute(libraryPath).lexically_normal()),
+    : file(absolutePath(libraryPath)),
       name(std::filesystem::path(file).filename()),
-      handle(open(file)),
+      handle(open(file, name), name),
       init(function<Init>("dalLCMinit")),
       terminate(function<Terminate>("dalLCMterminate")) {}
 

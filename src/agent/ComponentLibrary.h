@@ -11,8 +11,8 @@ namespace TevAgent {
 /// one thread.
 class ComponentLibrary {
 public:
-    /// Loads the library and finds its two entry points; nothing is called yet but its initializers. Throws `Failure`
-    /// (not started) with the path and the loader's reason.
+    /// Loads the library and finds its two entry points; nothing is called yet but its initializers, behind the
+    /// barrier. Throws `Failure` (not started) with the path and the loader's reason, or what an initializer threw.
     explicit ComponentLibrary(const std::string& libraryPath);
     ~ComponentLibrary();
     ComponentLibrary(const ComponentLibrary&) = delete;
@@ -34,12 +34,13 @@ private:
 
     /// Unloads the library, also when the constructor fails.
     struct Handle {
-        explicit Handle(void* library) : value(library) {}
+        Handle(void* library, const std::string& fileName) : value(library), name(fileName) {}
         ~Handle();
         Handle(const Handle&) = delete;
         Handle& operator=(const Handle&) = delete;
 
         void* const value;
+        const std::string& name;  ///< of the file, which the library object keeps longer
     };
 
     const std::string file;

@@ -12,8 +12,13 @@ namespace TevAgent {
 
 namespace {
 
-Poco::Dynamic::Var valueOf(const Instance::Attribute& attribute) {
-    if (attribute.name == SchemaClass::listAttribute || attribute.values.size() > 1) {
+/// Whether an attribute is a list is a matter of its class, not of how many values it holds today.
+bool isList(const Instance& instance, const std::string& attribute) {
+    return attribute == SchemaClass::listAttribute || !SchemaClass::isClassOf(instance.dn);
+}
+
+Poco::Dynamic::Var valueOf(const Instance& instance, const Instance::Attribute& attribute) {
+    if (isList(instance, attribute.name) || attribute.values.size() > 1) {
         Poco::JSON::Array array;
         for (const std::string& value : attribute.values) {
             array.add(Utf8::repaired(value));
@@ -54,7 +59,7 @@ std::string JsonText::of(const std::vector<Instance>& instances) {
     for (const Instance& instance : instances) {
         Poco::JSON::Object schema(Poco::JSON_PRESERVE_KEY_ORDER);
         for (const Instance::Attribute& attribute : instance.attributes) {
-            schema.set(Utf8::repaired(attribute.name), valueOf(attribute));
+            schema.set(Utf8::repaired(attribute.name), valueOf(instance, attribute));
         }
         document.add(schema);
     }

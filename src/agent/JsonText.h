@@ -12,9 +12,10 @@ namespace TevAgent {
 /// Results as JSON for programs. Bytes that are not UTF-8 are shown as U+FFFD.
 class JsonText {
 public:
-    /// An object with one array, "schemas", that holds an object for each instance: its attributes in their order, each
-    /// a string, null for no value; the attribute that is a list, and any other with several values, an array of
-    /// strings.
+    /// An object with one array, "schemas", that holds an object for each instance: its attributes in their order.
+    /// Those of a Schema instance are a string each, null for no value, but the one that is a list, which is an array
+    /// of strings; those of other classes are arrays of strings, for the agent does not know which of them are lists.
+    /// Should an attribute that is no list hold several values all the same, it is an array too.
     static std::string of(const std::vector<Instance>& instances);
 
     /// An object with one array, "checks", that holds an object for each result: "item", "passed" and "remark".

@@ -19,6 +19,9 @@ public:
     /// The names of the attributes, in the order in which they are shown.
     static const std::vector<std::string>& attributes();
 
+    /// Whether the object of that DN is an instance of the class.
+    static bool isClassOf(const std::string& dn);
+
     /// Where the instances stand and whose they are.
     static const Route& route();
 };

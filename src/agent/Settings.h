@@ -18,6 +18,7 @@ struct Settings {
     std::string models;                   ///< folder of model files
     std::string objects;                  ///< file of managed objects
     std::string configuration;            ///< file
+    bool isConfigurationNamed = false;    ///< by an option of its own, so that it has to be there
     std::vector<std::string> components;  ///< libraries, in the order given
     std::optional<int> logLevel;
     std::string logFile;
@@ -27,6 +28,9 @@ struct Settings {
     std::string target;                   ///< of get: a DN or a schema id
     std::vector<std::string> attributes;  ///< of get
     std::string checkedLibrary;           ///< of check
+
+    /// Whether the target is a DN.
+    bool hasDn() const { return target.find('=') != std::string::npos; }
 
     std::string information;  ///< help or version: to be shown instead of a command
 };

@@ -1,7 +1,9 @@
 #include "AgentProcess.h"
 
 #include <fcntl.h>
+#include <linux/securebits.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -45,6 +47,24 @@ void directOutput(const AgentProcess::Setting& setting, const std::string& outFi
     }
 }
 
+/// From the next `exec` on, root is a user like any other.
+void giveUpPrivileges() {
+    if (geteuid() == 0 && prctl(PR_SET_SECUREBITS, SECBIT_NOROOT) != 0) {
+        _exit(124);
+    }
+}
+
+/// What a program that has ended, but was not reaped yet, has read.
+std::uint64_t bytesReadBy(pid_t pid) {
+    std::ifstream counters("/proc/" + std::to_string(pid) + "/io");
+    std::string name;
+    std::uint64_t bytes = 0;
+    if (!(counters >> name >> bytes) || name != "rchar:") {
+        throw std::runtime_error("the system does not tell what the program has read");
+    }
+    return bytes;
+}
+
 /// What the child does up to the program's `main`. The test has no other threads.
 [[noreturn]] void become(const std::vector<std::string>& arguments, const AgentProcess::Setting& setting,
                          const std::string& outFile, const std::string& errFile) {
@@ -53,6 +73,9 @@ void directOutput(const AgentProcess::Setting& setting, const std::string& outFi
     // Whatever the test was started with.
     signal(SIGPIPE, SIG_DFL);
     signal(SIGINT, setting.isSigintIgnored ? SIG_IGN : SIG_DFL);
+    if (setting.isUnprivileged) {
+        giveUpPrivileges();
+    }
     for (const char* name : {"TEV_CONFIG_DIR", "TEV_LOG_FILE", "TEV_LOG_LEVEL"}) {
         unsetenv(name);
     }
@@ -127,14 +150,16 @@ bool AgentProcess::reap(bool isWaiting) {
     if (pid == -1) {
         return true;
     }
-    int state = 0;
-    pid_t reaped = 0;
-    do {
-        reaped = waitpid(pid, &state, isWaiting ? 0 : WNOHANG);
-    } while (reaped == -1 && errno == EINTR);
-    if (reaped == 0) {
+    siginfo_t ended{};
+    const int options = WEXITED | WNOWAIT | (isWaiting ? 0 : WNOHANG);
+    while (waitid(P_PID, static_cast<id_t>(pid), &ended, options) == -1 && errno == EINTR) {
+    }
+    if (ended.si_pid == 0) {
         return false;
     }
+    outcome.bytesRead = bytesReadBy(pid);
+    int state = 0;
+    waitpid(pid, &state, 0);
     outcome.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1;
     outcome.signal = WIFSIGNALED(state) ? WTERMSIG(state) : 0;
     pid = -1;

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@ struct AgentOutcome {
     int signal = 0;
     std::string out;
     std::string err;
+    std::uint64_t bytesRead = 0;  ///< by all reads of the program, its libraries included
 };
 
 /// One run of the program `tev-agent`. Its environment is that of the test without the agent's own variables. Used by
@@ -30,6 +32,7 @@ public:
         bool isOutputClosed = false;  ///< descriptor 1 is closed
         bool isReaderGone = false;    ///< descriptor 1 is a pipe that nobody reads
         bool isSigintIgnored = false;
+        bool isUnprivileged = false;  ///< files are open to it as to any user, also where tests run as root
         std::string workingFolder = "/";
     };
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "Failure.h"
 #include "TempFolder.h"
 
@@ -12,6 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 Settings parse(std::vector<const char*> arguments) {
     arguments.insert(arguments.begin(), "tev-agent");
@@ -37,6 +40,7 @@ TEST(CommandLineTest, takesEveryOptionBeforeTheCommand) {
     EXPECT_EQ(settings.objects, "o.xml");
     EXPECT_THAT(settings.components, ElementsAre("a.so", "b.so"));
     EXPECT_EQ(settings.configuration, "d/libtev_schema_populator.cfg");
+    EXPECT_TRUE(settings.isConfigurationNamed);
     EXPECT_EQ(settings.logLevel, 8);
     EXPECT_EQ(settings.logFile, "log");
     EXPECT_EQ(settings.output, Settings::Output::Json);
@@ -74,6 +78,25 @@ TEST(CommandLineTest, aNodeStandsForItsThreeFiles) {
     EXPECT_EQ(settings.configuration, node + "/libtev_schema_populator.cfg");
 }
 
+TEST(CommandLineTest, aNodesConfigurationCountsAsThereWhenItIsALinkToNothing) {
+    const TevTest::TempFolder folder;
+    const std::string node = folder.path();
+    std::filesystem::create_symlink("nowhere", node + "/libtev_schema_populator.cfg");
+    const Settings settings = parse({"--node", node.c_str(), "list"});
+    EXPECT_EQ(settings.configuration, node + "/libtev_schema_populator.cfg");
+    EXPECT_FALSE(settings.isConfigurationNamed);
+}
+
+TEST(CommandLineTest, aNodeIsTakenAsItIsBecauseTheWayUpMayLeadElsewhereBehindALink) {
+    EXPECT_EQ(parse({"--node", "link/..", "list"}).models, "link/../models");
+    EXPECT_EQ(parse({"--node", "node/", "list"}).models, "node/models");
+}
+
+TEST(CommandLineTest, takesANodeThatTheFileSystemRefuses) {
+    const std::string node(10000, 'x');
+    EXPECT_EQ(parse({"--node", node.c_str(), "list"}).models, node + "/models");
+}
+
 TEST(CommandLineTest, aNodeMayLackItsConfiguration) {
     const TevTest::TempFolder folder;
     EXPECT_EQ(parse({"--node", folder.path().c_str(), "list"}).configuration, "");
@@ -105,6 +128,7 @@ TEST(CommandLineTest, aSchemaMayBeCalledLikeACommand) {
 
 TEST(CommandLineTest, aTargetMayBeADn) {
     EXPECT_EQ(parse({"--models", "m", "get", "ManagedElement=1,SysM=1", "a"}).target, "ManagedElement=1,SysM=1");
+    EXPECT_EQ(parse({"--models", "m", "get", "ManagedElement=1,Schema=x"}).target, "ManagedElement=1,Schema=x");
 }
 
 TEST(CommandLineTest, checkTakesALibrary) {
@@ -115,6 +139,8 @@ TEST(CommandLineTest, checkTakesALibrary) {
 
 TEST(CommandLineTest, showsHelpForTheProgramAndEachCommand) {
     EXPECT_THAT(parse({"--help"}).information, testing::AllOf(HasSubstr("--node"), HasSubstr("check")));
+    EXPECT_THAT(parse({"--help"}).information,
+                testing::AllOf(HasSubstr("Usage: tev-agent [OPTIONS] COMMAND\n"), HasSubstr("Commands:\n")));
     EXPECT_THAT(parse({"-h"}).information, HasSubstr("--node"));
     EXPECT_THAT(parse({"list", "--help"}).information, HasSubstr("tev-agent list"));
     EXPECT_THAT(parse({"get", "--help"}).information, HasSubstr("DN|SCHEMA-ID"));
@@ -142,15 +168,43 @@ TEST(CommandLineTest, refusesACommandLineWithoutACommand) {
 }
 
 TEST(CommandLineTest, refusesWhatLacksItsValue) {
-    EXPECT_THAT(refusal({"--models"}), HasSubstr("--models"));
+    EXPECT_THAT(refusal({"--models"}), StartsWith("--models stands without its value ("));
+    EXPECT_THAT(refusal({"--component"}), StartsWith("--component stands without its value ("));
     EXPECT_THAT(refusal({"--models", "m", "get"}), HasSubstr("DN|SCHEMA-ID is required"));
 }
 
+TEST(CommandLineTest, refusesAnOptionThatStandsTwice) {
+    EXPECT_THAT(refusal({"--node", "a", "--node", "b", "list"}), StartsWith("--node stands more than once ("));
+}
+
+TEST(CommandLineTest, refusesEmptyFileNames) {
+    for (const char* option : {"--node", "--models", "--objects", "--component", "--config", "--log-file"}) {
+        EXPECT_THAT(refusal({"--models=m", option, "", "list"}),
+                    StartsWith(std::string(option) + ": the value is empty ("));
+    }
+    EXPECT_THAT(refusal({"check", ""}), StartsWith("FILE.so: the value is empty ("));
+}
+
+TEST(CommandLineTest, refusesAnAttributeThatIsNamedTwice) {
+    EXPECT_THAT(refusal({"--models", "m", "get", "x", "version", "schemaId", "version"}),
+                StartsWith("the attribute version is named twice ("));
+}
+
+TEST(CommandLineTest, refusesAnObjectOfAnotherClassWithoutAttributes) {
+    for (const std::string dn : {"ManagedElement=1", "ManagedElement=1,Schema=x,Part=1", "Schemas=1"}) {
+        EXPECT_THAT(
+            refusal({"--models", "m", "get", dn.c_str()}),
+            StartsWith("the attributes to show of " + dn + " must be named, because it is no Schema instance ("));
+    }
+}
+
 TEST(CommandLineTest, refusesValuesOutsideTheirRange) {
-    EXPECT_THAT(refusal({"--models", "m", "--output", "xml", "list"}), HasSubstr("xml"));
-    EXPECT_THAT(refusal({"--models", "m", "--log-level", "9", "list"}), HasSubstr("--log-level"));
-    EXPECT_THAT(refusal({"--models", "m", "--log-level", "-1", "list"}), HasSubstr("--log-level"));
-    EXPECT_THAT(refusal({"--models", "m", "--log-level", "all", "list"}), HasSubstr("--log-level"));
+    EXPECT_THAT(refusal({"--models", "m", "--output", "xml", "list"}),
+                StartsWith("--output: \"xml\" is neither table nor json ("));
+    for (const std::string level : {"9", "-1", "10", "4.5", "all", ""}) {
+        EXPECT_THAT(refusal({"--models", "m", "--log-level", level.c_str(), "list"}),
+                    StartsWith("--log-level: \"" + level + "\" is not a whole number from 0 to 8 ("));
+    }
 }
 
 TEST(CommandLineTest, refusesAConfigurationOfAnotherName) {

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <memory>
 
 #include "Failure.h"
@@ -63,6 +64,19 @@ TEST(ComponentLibraryTest, namesPathAndReasonOfAFileThatCannotBeLoaded) {
 
 TEST(ComponentLibraryTest, looksForANameWithoutAFolderInTheWorkingFolderOnly) {
     EXPECT_THAT(refusal("libtev_common.so"), testing::EndsWith("No such file or directory"));
+}
+
+TEST(ComponentLibraryTest, goesUpFromWhereALinkLeads) {
+    const TevTest::TempFolder folder;
+    std::filesystem::create_directories(folder.path() / "far" / "away");
+    std::filesystem::create_directory_symlink("far/away", folder.path() / "link");
+    std::filesystem::copy_file(library("registers_nothing"), folder.path() / "far" / "x.so");
+    const std::string path = folder.path() / "link/../x.so";
+    EXPECT_EQ(ComponentLibrary(path).path(), path);
+}
+
+TEST(ComponentLibraryTest, refusesAnEmptyPath) {
+    EXPECT_EQ(refusal(""), "cannot use component library : Invalid argument");
 }
 
 TEST(ComponentLibraryTest, terminatesWhatItInitialized) {

@@ -57,6 +57,19 @@ TEST_F(HostileComponentTest, lacksDalLCMterminate) {
     expectNotStarted("no_terminate", cannotUse("no_terminate", "undefined symbol: dalLCMterminate"));
 }
 
+TEST_F(HostileComponentTest, throwsAnIntWhileItIsLoaded) {
+    expectNotStarted(
+        "load_throws_int",
+        cannotUse("load_throws_int", "component load_throws_int.so threw in dlopen: an exception of type int"));
+}
+
+TEST_F(HostileComponentTest, throwsAnIntWhileItIsUnloadedOnceTheResultsAreOut) {
+    const AgentOutcome outcome = run("unload_throws_int", {"get", "one", "schemaId"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "schemaId\nvalue\n");
+    EXPECT_EQ(outcome.err, "tev-agent: component unload_throws_int.so threw in dlclose: an exception of type int\n");
+}
+
 TEST_F(HostileComponentTest, returnsACodeFromInit) {
     expectNotStarted("init_returns_code", cannotUse("init_returns_code", "dalLCMinit returned -17"));
 }

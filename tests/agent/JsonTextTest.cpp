@@ -10,6 +10,8 @@ namespace {
 
 using testing::ElementsAre;
 
+const std::string schemaDn = "ManagedElement=1,Schema=Transport";
+
 Poco::JSON::Object::Ptr parsed(const std::string& text) {
     Poco::JSON::ParseHandler::Ptr inFileOrder(new Poco::JSON::ParseHandler(true));
     return Poco::JSON::Parser(inFileOrder).parse(text).extract<Poco::JSON::Object::Ptr>();
@@ -22,31 +24,38 @@ Poco::JSON::Object::Ptr onlySchema(const Instance& instance) {
 }
 
 TEST(JsonTextTest, showsAttributesInTheirOrder) {
-    const auto schema = onlySchema({"", {{"z", {"1"}}, {"a", {"2"}}, {"m", {"3"}}}});
+    const auto schema = onlySchema({schemaDn, {{"z", {"1"}}, {"a", {"2"}}, {"m", {"3"}}}});
     EXPECT_THAT(schema->getNames(), ElementsAre("z", "a", "m"));
     EXPECT_EQ(schema->getValue<std::string>("z"), "1");
     EXPECT_EQ(schema->getValue<std::string>("a"), "2");
 }
 
 TEST(JsonTextTest, showsNoValueAsNullAndAnEmptyTextAsAnEmptyString) {
-    const auto schema = onlySchema({"", {{"none", {}}, {"empty", {""}}}});
+    const auto schema = onlySchema({schemaDn, {{"none", {}}, {"empty", {""}}}});
     EXPECT_TRUE(schema->isNull("none"));
     EXPECT_FALSE(schema->isNull("empty"));
     EXPECT_EQ(schema->getValue<std::string>("empty"), "");
 }
 
 TEST(JsonTextTest, showsTheOptionsAlwaysAsAnArray) {
-    EXPECT_EQ(JsonText::of(std::vector<Instance>{{"", {{"selectedModelOptions", {}}}}}),
+    EXPECT_EQ(JsonText::of(std::vector<Instance>{{schemaDn, {{"selectedModelOptions", {}}}}}),
               "{\"schemas\":[\n{\"selectedModelOptions\":[]}\n]}\n");
-    EXPECT_EQ(onlySchema({"", {{"selectedModelOptions", {"x"}}}})->getArray("selectedModelOptions")->size(), 1U);
-    const auto two = onlySchema({"", {{"selectedModelOptions", {"x", "y"}}}})->getArray("selectedModelOptions");
+    EXPECT_EQ(onlySchema({schemaDn, {{"selectedModelOptions", {"x"}}}})->getArray("selectedModelOptions")->size(), 1U);
+    const auto two = onlySchema({schemaDn, {{"selectedModelOptions", {"x", "y"}}}})->getArray("selectedModelOptions");
     ASSERT_EQ(two->size(), 2U);
     EXPECT_EQ(two->getElement<std::string>(0), "x");
     EXPECT_EQ(two->getElement<std::string>(1), "y");
 }
 
 TEST(JsonTextTest, showsSeveralValuesOfAnyAttributeAsAnArray) {
-    EXPECT_EQ(onlySchema({"", {{"labels", {"x", "y"}}}})->getArray("labels")->size(), 2U);
+    EXPECT_EQ(onlySchema({schemaDn, {{"version", {"x", "y"}}}})->getArray("version")->size(), 2U);
+}
+
+TEST(JsonTextTest, showsAttributesOfOtherClassesAlwaysAsArrays) {
+    for (const std::string dn : {"ManagedElement=1,Ssh=1", "Ssh=1", "Schema=1,Ssh=1"}) {
+        EXPECT_EQ(JsonText::of(std::vector<Instance>{{dn, {{"version", {}}, {"b", {"x"}}, {"c", {"x", "y"}}}}}),
+                  "{\"schemas\":[\n{\"version\":[],\"b\":[\"x\"],\"c\":[\"x\",\"y\"]}\n]}\n");
+    }
 }
 
 TEST(JsonTextTest, isADocumentWithoutInstancesToo) {
@@ -56,16 +65,16 @@ TEST(JsonTextTest, isADocumentWithoutInstancesToo) {
 TEST(JsonTextTest, whatItWritesIsReadBack) {
     for (const std::string& text : {std::string("a/b\\c\"d"), std::string("line\nfeed\ttab\x01\x1f\x7f"),
                                     std::string("B\xc3\xb6se \xe2\x82\xac \xf0\x9f\x98\x80"), std::string("{}[],:")}) {
-        EXPECT_EQ(onlySchema({"", {{"a", {text}}}})->getValue<std::string>("a"), text);
+        EXPECT_EQ(onlySchema({schemaDn, {{"a", {text}}}})->getValue<std::string>("a"), text);
     }
 }
 
 TEST(JsonTextTest, repairsBytesThatAreNotUtf8) {
-    EXPECT_EQ(onlySchema({"", {{"a", {"x\xff"}}}})->getValue<std::string>("a"), "x\xef\xbf\xbd");
+    EXPECT_EQ(onlySchema({schemaDn, {{"a", {"x\xff"}}}})->getValue<std::string>("a"), "x\xef\xbf\xbd");
 }
 
 TEST(JsonTextTest, putsEachInstanceOnALineOfItsOwn) {
-    EXPECT_EQ(JsonText::of(std::vector<Instance>{{"", {{"a", {"1"}}}}, {"", {{"a", {"2"}}}}}),
+    EXPECT_EQ(JsonText::of(std::vector<Instance>{{schemaDn, {{"a", {"1"}}}}, {schemaDn, {{"a", {"2"}}}}}),
               "{\"schemas\":[\n{\"a\":\"1\"},\n{\"a\":\"2\"}\n]}\n");
 }
 
