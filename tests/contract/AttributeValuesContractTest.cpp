@@ -49,25 +49,9 @@ protected:
 
     /// Checks that a read of an attribute that the class does not have fails as it should, and allocates nothing.
     void expectUnknown(const std::string& attributeName) {
-        SCOPED_TRACE(attributeName);
-        const unsigned long txHandle = begin();
-        const std::string dn = dnOf("Mom");
-        log.clear();
-        DalMoAttributeValueContainer unset{};
-        DalMoAttributeValueContainer* container = &unset;
-        EXPECT_EQ(objects().getMoAttribute(txHandle, dn.c_str(), attributeName.c_str(), &container), -2);
-        EXPECT_EQ(container, nullptr);
-        finish(txHandle);
-        const std::string handle = std::to_string(txHandle);
-        EXPECT_THAT(log.records(),
-                    ElementsAreArray(inOrder(
-                        {debugTrace(0, moImplFile, "getMoAttribute",
-                                    "txHandle " + handle + ", dn [" + dn + "], attributeName [" + attributeName + "]"),
-                         message(3, moImplFile, "getMoAttribute",
-                                 "Could not get Mo attribute: [Attribute does not exist in the schema, attribute: " +
-                                     attributeName + "]"),
-                         debugTrace(0, transactionsFile, "cleanup",
-                                    "Could not find transaction context [" + handle + "] to clean up")})));
+        expectNoValue(
+            dnOf("Mom"), attributeName, -2,
+            "Could not get Mo attribute: [Attribute does not exist in the schema, attribute: " + attributeName + "]");
     }
 };
 
@@ -88,10 +72,7 @@ TEST_F(AttributeValuesContractTest, successfulReadLogsItsArgumentsOnly) {
         const unsigned long txHandle = begin();
         log.clear();
         get(txHandle, "Mom", attributeName);
-        EXPECT_THAT(log.records(),
-                    ElementsAreArray(debugTrace(0, moImplFile, "getMoAttribute",
-                                                "txHandle " + std::to_string(txHandle) + ", dn [" + dnOf("Mom") +
-                                                    "], attributeName [" + attributeName + "]")));
+        EXPECT_THAT(log.records(), ElementsAreArray(readTrace(txHandle, dnOf("Mom"), attributeName)));
     }
 }
 
@@ -213,6 +194,8 @@ TEST_F(AttributeValuesContractTest, valuesStayUntilTheTransactionFinishes) {
     for (int i = 0; i < 100; ++i) {
         read(txHandle, "Other", "schemaId");
     }
+    bool valid = false;
+    EXPECT_EQ(resource().validate(txHandle, &valid), 0);
     EXPECT_EQ(resource().prepare(txHandle), 0);
     EXPECT_EQ(resource().abort(txHandle), 0);
     EXPECT_EQ(resource().commit(txHandle), 0);
@@ -226,7 +209,7 @@ TEST_F(AttributeValuesContractTest, attributeNamesAreComparedWholeAndWithTheirCa
     startWith({full("Mom")});
     for (const char* attributeName :
          {"SchemaId", "SCHEMAID", "schemaid", "schemaI", "schemaId ", " schemaId", "schemaIdX", "Version",
-          "baseModelIdentifierX", "baseModel", "selectedModelOption", "selectedmodeloptions", ""}) {
+          "baseModelIdentifierX", "baseModel", "selectedModelOption", "selectedmodeloptions", "export", ""}) {
         expectUnknown(attributeName);
     }
 }

@@ -22,7 +22,6 @@ namespace {
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Records = std::vector<testing::Matcher<LogRecord>>;
 
 constexpr const char* nullConfiguration = "Got zero pointer for configuration file using default values";
 constexpr const char* noElement = "Could not find any configuration for TevSchemaMoService";
@@ -256,8 +255,12 @@ TEST_F(ConfigurationContractTest, conversionsInTheNameOfAFileDoNotMatter) {
     expectTimeout(write("a%%b.cfg", timeoutOf("8")), "8");
 }
 
-TEST_F(ConfigurationContractTest, conversionsInAFileThatIsNotWellFormedComeOutAsTheyAre) {
-    expectUnreadable(folder.write("a.cfg", "<a>%s%n</%s>"));
+TEST_F(ConfigurationContractTest, conversionsInTheNameOfAFileThatIsNotWellFormedComeOutAsTheyAre) {
+    for (const char* name : {"100%s%n.cfg", "a%%b.cfg"}) {
+        const std::string path = folder.write(name, "<");
+        EXPECT_THAT(reasonAgainst(path), HasSubstr(path));
+        expectUnreadable(path);
+    }
 }
 
 TEST_F(ConfigurationContractTest, nothingIsWrittenToStandardOutput) {

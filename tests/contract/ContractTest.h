@@ -40,6 +40,9 @@ protected:
     /// cleared.
     void startWith(std::vector<FakeModel> models);
 
+    /// Clears the records and calls so far.
+    void forget();
+
     DalOamSpiTransactionalResource_2& resource() const;
     DalOamSpiManagedObject_1& objects() const;
 
@@ -54,6 +57,32 @@ protected:
 
     /// The values of an attribute; fails the test when it cannot be read or is not a container of strings.
     Values read(unsigned long txHandle, const std::string& schemaId, const char* attributeName);
+
+    /// A new iterator under this DN; fails the test when there is none.
+    void* newIterator(unsigned long txHandle, const std::string& dn = parentDn);
+
+    /// Checks that getMoAttribute fails with `code` and this text, gives no value, and that nothing is kept.
+    void expectNoValue(const std::string& dn, const std::string& attributeName, TevReturnT code,
+                       const std::string& text);
+
+    /// A handle as the log shows it: the low 32 bits.
+    static std::string shownHandle(const void* handle);
+
+    /// How control characters are shown.
+    static std::string escaped(std::string text);
+
+    /// What a start logs first, and last when it succeeds.
+    static Records startEntry();
+    static Records startExit();
+
+    /// What a read of an attribute logs first.
+    static Records readTrace(unsigned long txHandle, const std::string& dn, const std::string& attributeName);
+
+    /// What a finish logs of a transaction for which the component holds nothing.
+    static Records nothingHeld(unsigned long txHandle);
+
+    /// The calls with which a start fetches its four interfaces.
+    static const Values fetchCalls;
 
     FakeHost host;
     std::unique_ptr<Component> component;

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -95,6 +96,14 @@ std::string mappedFiles() {
     std::ostringstream text;
     text << std::ifstream("/proc/self/maps").rdbuf();
     return text.str();
+}
+
+std::set<std::string> threadsOfThisProgram() {
+    std::set<std::string> threads;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) {
+        threads.insert(entry.path().filename());
+    }
+    return threads;
 }
 
 /// The library as a host has it, loaded for the life of the object.
@@ -280,6 +289,23 @@ TEST_F(LoadedLibraryTest, firstCallsMayComeFromSeveralThreadsAtOnce) {
         thread.join();
     }
     EXPECT_THAT(codes, testing::Each(2));
+}
+
+TEST_F(LoadedLibraryTest, startsNoThreads) {
+    FakeHost host;
+    host.models = {{"A"}};
+    const Library library;
+    const std::set<std::string> before = threadsOfThisProgram();
+    ASSERT_FALSE(before.empty());
+    ASSERT_EQ(library.init(host), 0);
+    EXPECT_EQ(threadsOfThisProgram(), before);
+    ASSERT_EQ(host.component()->start(DalStateChangeReasonUnspecified), 0);
+    EXPECT_EQ(threadsOfThisProgram(), before);
+    EXPECT_EQ(list(host), std::vector<std::string>{"A"});
+    EXPECT_EQ(threadsOfThisProgram(), before);
+    ASSERT_EQ(host.component()->stop(DalStateChangeReasonUnspecified), 0);
+    EXPECT_EQ(threadsOfThisProgram(), before);
+    library.terminate();
 }
 
 TEST_F(LoadedLibraryTest, isUnmappedWhenTheHostLetsGo) {

@@ -17,6 +17,17 @@ constexpr std::uint64_t propertiesBase = 0x200000000000;
 // What a failing call leaves in its output, for a component that looks there all the same.
 constexpr const char* rubbish = "rubbish";
 
+using Answer = std::optional<TevReturnT>;
+
+/// How a call ends that was told its code: a failing one leaves `text` in its output.
+template <class Result>
+TevReturnT answered(TevReturnT code, Result* result, Result text) {
+    if (code != TevReturnOk) {
+        *result = text;
+    }
+    return code;
+}
+
 std::string shown(const char* text) {
     return text == nullptr ? "null" : text;
 }
@@ -26,17 +37,17 @@ std::string shown(const char* text) {
 /// The tables and the functions in them.
 struct FakeHost::Tables {
     static void* getPortal(const char* version) {
-        const TevReturnT fault = current->note("getPortal", version);
-        return fault == TevReturnOk && current->hasPortal && std::strcmp(version, "3") == 0 ? &portal : nullptr;
+        const bool refused = current->note("getPortal", version).has_value();
+        return !refused && current->hasPortal && std::strcmp(version, "3") == 0 ? &portal : nullptr;
     }
 
     static TevReturnT getInterface(const char* componentName, const char* interfaceName, const char* version,
                                    void** result) {
-        *result = nullptr;
-        if (const TevReturnT fault = current->note(
+        if (const Answer answer = current->note(
                 "getInterface", shown(componentName) + "," + shown(interfaceName) + "," + shown(version))) {
-            return fault;
+            return answered<void*>(*answer, result, nullptr);
         }
+        *result = nullptr;
         for (DalMgmtSpiInterface_1* table :
              {&transaction.base, &threadContext.base, &repository.base, &extension.base, &router.base}) {
             if (std::strcmp(table->componentName, componentName) == 0 &&
@@ -50,8 +61,8 @@ struct FakeHost::Tables {
     }
 
     static TevReturnT registerComponent(DalMgmtSpiComponent_2* component) {
-        if (const TevReturnT fault = current->note("registerComponent", component->base.componentName)) {
-            return fault;
+        if (const Answer answer = current->note("registerComponent", component->base.componentName)) {
+            return *answer;
         }
         if (component->interfaceArray == nullptr || component->dependencyArray == nullptr ||
             component->extraArray == nullptr) {
@@ -62,16 +73,16 @@ struct FakeHost::Tables {
     }
 
     static TevReturnT unregisterComponent(DalMgmtSpiComponent_2* component) {
-        const TevReturnT fault = current->note("unregisterComponent", component->base.componentName);
-        if (fault == TevReturnOk) {
-            current->registered = nullptr;
+        if (const Answer answer = current->note("unregisterComponent", component->base.componentName)) {
+            return *answer;
         }
-        return fault;
+        current->registered = nullptr;
+        return TevReturnOk;
     }
 
     static TevReturnT registerParticipant(unsigned long txHandle, DalOamSpiTransactionalResource_2* participant) {
-        if (const TevReturnT fault = current->note("registerParticipant", std::to_string(txHandle))) {
-            return fault;
+        if (const Answer answer = current->note("registerParticipant", std::to_string(txHandle))) {
+            return *answer;
         }
         const std::lock_guard<std::mutex> lock(current->mutex);
         auto& participants = current->joined[txHandle];
@@ -82,8 +93,8 @@ struct FakeHost::Tables {
     }
 
     static TevReturnT addMessage(std::int32_t category, const char* text) {
-        if (const TevReturnT fault = current->note("addMessage", std::to_string(category) + "," + shown(text))) {
-            return fault;
+        if (const Answer answer = current->note("addMessage", std::to_string(category) + "," + shown(text))) {
+            return *answer;
         }
         const std::lock_guard<std::mutex> lock(current->mutex);
         current->posted.emplace_back(category, text);
@@ -91,16 +102,16 @@ struct FakeHost::Tables {
     }
 
     static TevReturnT getFirstMom(DalOamSpiMrMomHandle_4T* mom) {
-        if (const TevReturnT fault = current->note("getFirstMom")) {
-            return fault;
+        if (const Answer answer = current->note("getFirstMom")) {
+            return *answer;
         }
         *mom = momBase;
         return current->models.empty() ? TevReturnNotFound : TevReturnOk;
     }
 
     static TevReturnT getNextMom(DalOamSpiMrMomHandle_4T mom, DalOamSpiMrMomHandle_4T* next) {
-        if (const TevReturnT fault = current->note("getNextMom", current->model(mom - momBase).name)) {
-            return fault;
+        if (const Answer answer = current->note("getNextMom", current->model(mom - momBase).name)) {
+            return *answer;
         }
         *next = mom + 1;
         return *next - momBase < current->models.size() ? TevReturnOk : TevReturnNotFound;
@@ -108,25 +119,24 @@ struct FakeHost::Tables {
 
     static TevReturnT getMomGeneralProperties(DalOamSpiMrMomHandle_4T mom,
                                               DalOamSpiMrGeneralPropertiesHandle_4T* properties) {
-        const TevReturnT fault = current->note("getMomGeneralProperties", current->model(mom - momBase).name);
-        if (fault == TevReturnOk) {
-            *properties = mom - momBase + propertiesBase;
+        if (const Answer answer = current->note("getMomGeneralProperties", current->model(mom - momBase).name)) {
+            return *answer;
         }
-        return fault;
+        *properties = mom - momBase + propertiesBase;
+        return TevReturnOk;
     }
 
     static TevReturnT getMomStringProperty(DalOamSpiMrMomHandle_4T mom, std::int32_t selector, const char** result) {
         const FakeModel& model = current->model(mom - momBase);
-        *result = rubbish;
-        if (const TevReturnT fault =
-                current->note("getMomStringProperty", model.name + "," + std::to_string(selector))) {
-            return fault;
+        if (const Answer answer = current->note("getMomStringProperty", model.name + "," + std::to_string(selector))) {
+            return answered(*answer, result, rubbish);
         }
         const std::optional<std::string>* text = selector == DalOamSpiMrMomVersion      ? &model.version
                                                  : selector == DalOamSpiMrMomRelease    ? &model.release
                                                  : selector == DalOamSpiMrMomCorrection ? &model.correction
                                                                                         : nullptr;
         if (text == nullptr) {
+            *result = rubbish;
             return TevReturnInvalidArgument;
         }
         *result = text->has_value() ? text->value().c_str() : nullptr;
@@ -135,8 +145,8 @@ struct FakeHost::Tables {
 
     static TevReturnT getMomFeatureNames(DalOamSpiMrMomHandle_4T mom, const char*** result) {
         const FakeModel& model = current->model(mom - momBase);
-        if (const TevReturnT fault = current->note("getMomFeatureNames", model.name)) {
-            return fault;
+        if (const Answer answer = current->note("getMomFeatureNames", model.name)) {
+            return *answer;
         }
         *result = nullptr;
         if (model.features) {
@@ -153,24 +163,24 @@ struct FakeHost::Tables {
     static TevReturnT getGeneralStringProperty(DalOamSpiMrGeneralPropertiesHandle_4T properties, std::int32_t selector,
                                                const char** result) {
         const FakeModel& model = current->model(properties - propertiesBase);
-        if (const TevReturnT fault =
+        if (const Answer answer =
                 current->note("getGeneralStringProperty", model.name + "," + std::to_string(selector))) {
-            return fault;
+            return answered(*answer, result, rubbish);
         }
-        *result = model.name.c_str();
+        *result = model.nullName ? nullptr : model.name.c_str();
         return selector == DalOamSpiMrGeneralName ? TevReturnOk : TevReturnInvalidArgument;
     }
 
     static TevReturnT getGeneralDomainValue(DalOamSpiMrGeneralPropertiesHandle_4T properties, const char* domain,
                                             const char* key, const char** result) {
         const FakeModel& model = current->model(properties - propertiesBase);
-        *result = rubbish;
-        if (const TevReturnT fault =
+        if (const Answer answer =
                 current->note("getGeneralDomainValue", model.name + "," + shown(domain) + "," + shown(key))) {
-            return fault;
+            return answered(*answer, result, rubbish);
         }
         const auto found = model.orva.find(key);
         if (std::strcmp(domain, "ORVA") != 0 || found == model.orva.end()) {
+            *result = rubbish;
             return TevReturnNotFound;
         }
         *result = found->second ? found->second->c_str() : nullptr;
@@ -178,12 +188,16 @@ struct FakeHost::Tables {
     }
 
     static TevReturnT getMomFileName(const char* momName, const char* momVersion, const char** result) {
-        if (const TevReturnT fault = current->note("getMomFileName", shown(momName) + "," + shown(momVersion))) {
-            return fault;
+        if (const Answer answer = current->note("getMomFileName", shown(momName) + "," + shown(momVersion))) {
+            return *answer;
         }
         for (const FakeModel& model : current->models) {
             if (model.name == momName && model.version.has_value() == (momVersion != nullptr) &&
                 (momVersion == nullptr || *model.version == momVersion)) {
+                if (model.nullFile) {
+                    *result = nullptr;
+                    return TevReturnOk;
+                }
                 const std::lock_guard<std::mutex> lock(current->mutex);
                 *result = current->texts.insert(model.file.value_or("/models/" + model.name + ".xml")).first->c_str();
                 return TevReturnOk;
@@ -196,7 +210,7 @@ struct FakeHost::Tables {
 
     static TevReturnT noObject(unsigned long, const char*, const char*, DalMoAttributeValueContainer** result) {
         *result = nullptr;
-        return current->note("router.getMoAttribute") == TevReturnOk ? TevReturnNotFound : TevReturnFailure;
+        return current->note("router.getMoAttribute").value_or(TevReturnNotFound);
     }
 
     static DalPortalAccessor portalAccessor;
@@ -263,6 +277,10 @@ void FakeHost::failCall(const std::string& operation, TevReturnT code, unsigned 
     faults[{operation, counts[operation] + nth}] = code;
 }
 
+void FakeHost::leaveOutput(const std::string& operation, unsigned int nth) {
+    failCall(operation, TevReturnOk, nth);
+}
+
 void FakeHost::failAnyCall(unsigned int nth, TevReturnT code) {
     const std::lock_guard<std::mutex> lock(mutex);
     faultsOfAny[totalCount + nth] = code;
@@ -314,7 +332,7 @@ DalMgmtSpiInterface_1* FakeHost::findOffered(const std::string& interfaceName) c
     return nullptr;
 }
 
-TevReturnT FakeHost::note(const std::string& operation, const std::string& arguments) {
+std::optional<TevReturnT> FakeHost::note(const std::string& operation, const std::string& arguments) {
     std::unique_lock<std::mutex> lock(mutex);
     if (const auto found = actions.find(operation); found != actions.end()) {
         const std::function<void()> action = found->second;
@@ -325,7 +343,10 @@ TevReturnT FakeHost::note(const std::string& operation, const std::string& argum
     noted.push_back(arguments.empty() ? operation : operation + " " + arguments);
     const auto fault = faults.find({operation, ++counts[operation]});
     const auto faultOfAny = faultsOfAny.find(++totalCount);
-    return fault != faults.end() ? fault->second : faultOfAny != faultsOfAny.end() ? faultOfAny->second : TevReturnOk;
+    if (fault != faults.end()) {
+        return fault->second;
+    }
+    return faultOfAny != faultsOfAny.end() ? std::optional(faultOfAny->second) : std::nullopt;
 }
 
 const FakeModel& FakeHost::model(std::uint64_t handle) const {

@@ -31,6 +31,8 @@ struct FakeModel {
     std::map<std::string, std::optional<std::string>> orva{};
     std::optional<std::vector<std::string>> features{};  ///< no value: the repository gives a null list
     std::optional<std::string> file{};                   ///< no value: "/models/<name>.xml"
+    bool nullName = false;                               ///< the repository gives 0 and a null name
+    bool nullFile = false;                               ///< the extension gives 0 and a null path
 };
 
 /// A management framework made of fakes: portal, transaction service, thread context, model repository with its
@@ -52,6 +54,9 @@ public:
 
     /// The `nth` call of `operation` from now on, 1 being the next, returns `code` and does nothing else.
     void failCall(const std::string& operation, TevReturnT code, unsigned int nth = 1);
+
+    /// The `nth` call of `operation` from now on returns 0 and does nothing else: its output is left as it is.
+    void leaveOutput(const std::string& operation, unsigned int nth = 1);
 
     /// The `nth` call of any operation from now on returns `code` and does nothing else.
     void failAnyCall(unsigned int nth, TevReturnT code);
@@ -88,8 +93,8 @@ private:
 
     DalMgmtSpiInterface_1* findOffered(const std::string& interfaceName) const;
 
-    /// Writes the call down; returns the code that it has to fail with, or 0.
-    TevReturnT note(const std::string& operation, const std::string& arguments = "");
+    /// Writes the call down; returns the code that the call ends with at once, if it has to.
+    std::optional<TevReturnT> note(const std::string& operation, const std::string& arguments = "");
     const FakeModel& model(std::uint64_t handle) const;
 
     mutable std::mutex mutex;  // guards what follows

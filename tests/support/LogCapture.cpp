@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <initializer_list>
 #include <memory>
 #include <ostream>
 #include <regex>
@@ -120,17 +119,15 @@ void LogCapture::clear() {
     begin = std::filesystem::file_size(LogFile::path());
 }
 
-std::vector<testing::Matcher<LogRecord>> message(int level, const std::string& sourceFile,
-                                                 const std::string& functionName, const std::string& text) {
+Records message(int level, const std::string& sourceFile, const std::string& functionName, const std::string& text) {
     using testing::Field;
     return {all(Field("type", &LogRecord::type, "LOG"), Field("level", &LogRecord::level, level),
                 Field("function", &LogRecord::function, functionName), Field("text", &LogRecord::text, text)),
             traceRecord("Schema", level, sourceFile, functionName, text)};
 }
 
-std::vector<testing::Matcher<LogRecord>> debugTrace(int kind, const std::string& sourceFile,
-                                                    const std::string& functionName, const std::string& text,
-                                                    const std::string& subsystem) {
+Records debugTrace(int kind, const std::string& sourceFile, const std::string& functionName, const std::string& text,
+                   const std::string& subsystem) {
     using testing::Field;
     return {all(Field("type", &LogRecord::type, "DEBUG"), Field("kind", &LogRecord::level, kind),
                 Field("file", &LogRecord::file, sourceFile), Field("line", &LogRecord::line, testing::Gt(0)),
@@ -138,9 +135,8 @@ std::vector<testing::Matcher<LogRecord>> debugTrace(int kind, const std::string&
             traceRecord(subsystem, 14, sourceFile, functionName, text)};
 }
 
-std::vector<testing::Matcher<LogRecord>> inOrder(
-    std::initializer_list<std::vector<testing::Matcher<LogRecord>>> lists) {
-    std::vector<testing::Matcher<LogRecord>> joined;
+Records inOrder(std::initializer_list<Records> lists) {
+    Records joined;
     for (const auto& list : lists) {
         joined.insert(joined.end(), list.begin(), list.end());
     }

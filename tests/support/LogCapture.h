@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstddef>
+#include <initializer_list>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -30,6 +31,9 @@ struct LogRecord {
 
 std::ostream& operator<<(std::ostream& stream, const LogRecord& record);
 
+/// What records have to look like, one matcher for each, for `testing::ElementsAreArray`.
+using Records = std::vector<testing::Matcher<LogRecord>>;
+
 /// What is written to the process's log while the object lives. The log goes to a file of the test process, whatever
 /// the environment says; the level is put back at the end.
 class LogCapture {
@@ -54,16 +58,14 @@ private:
 
 /// Matches the pair of records that a message of `level` leaves: a LOG record, then a TRACE record of the same level,
 /// function and text. Append the matchers of several messages in their order.
-std::vector<testing::Matcher<LogRecord>> message(int level, const std::string& sourceFile,
-                                                 const std::string& functionName, const std::string& text);
+Records message(int level, const std::string& sourceFile, const std::string& functionName, const std::string& text);
 
 /// Matches the pair of records that a debug trace leaves: a DEBUG record of `kind`, then a TRACE record of level 14.
-std::vector<testing::Matcher<LogRecord>> debugTrace(int kind, const std::string& sourceFile,
-                                                    const std::string& functionName, const std::string& text,
-                                                    const std::string& subsystem = "Schema");
+Records debugTrace(int kind, const std::string& sourceFile, const std::string& functionName, const std::string& text,
+                   const std::string& subsystem = "Schema");
 
 /// Puts lists of matchers one after the other, for `testing::ElementsAreArray`.
-std::vector<testing::Matcher<LogRecord>> inOrder(std::initializer_list<std::vector<testing::Matcher<LogRecord>>> lists);
+Records inOrder(std::initializer_list<Records> lists);
 
 }  // namespace TevTest
 
