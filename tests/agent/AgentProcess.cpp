@@ -11,19 +11,15 @@
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
 
+#include "FileText.h"
+
 namespace TevTest {
 
 namespace {
-
-std::string contents(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
 
 void direct(const std::string& file, int descriptor) {
     const int opened = open(file.c_str(), O_WRONLY | O_CREAT, 0600);

@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <utility>
 
 #include "AgentProcess.h"
+#include "FileText.h"
 #include "TestNode.h"
 
 namespace TevTest {
@@ -30,11 +30,6 @@ const std::string table =
     "Equipment  Equipment                        1.2                        Hot Swap\n"
     "Plain      Plain\n"
     "Transport  Transport   OrvaTransport        2.1.5    3.4               IpSec, Sync\n";
-
-std::string contents(const std::string& path) {
-    std::ifstream stream(path);
-    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
 
 std::vector<Poco::JSON::Object::Ptr> objectsIn(const std::string& json, const std::string& array) {
     Poco::JSON::ParseHandler::Ptr inFileOrder(new Poco::JSON::ParseHandler(true));

@@ -1,16 +1,10 @@
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "ContractTest.h"
+#include "StandardOutputOf.h"
 #include "TempFolder.h"
 #include "TevConfiguration.h"
 #include "TevException.h"
@@ -45,26 +39,6 @@ std::string reasonAgainst(const std::string& path) {
         return e.what();
     }
     throw std::logic_error("the file can be read: " + path);
-}
-
-/// What is written to standard output while `action` runs.
-template <class Action>
-std::string standardOutputOf(const std::string& file, Action action) {
-    std::fflush(stdout);
-    const int kept = dup(STDOUT_FILENO);
-    const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (kept < 0 || opened < 0 || dup2(opened, STDOUT_FILENO) < 0) {
-        throw std::runtime_error("cannot turn standard output to " + file);
-    }
-    action();
-    std::cout.flush();
-    std::fflush(stdout);
-    dup2(kept, STDOUT_FILENO);
-    close(kept);
-    close(opened);
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
 }
 
 }  // namespace
@@ -266,7 +240,7 @@ TEST_F(ConfigurationContractTest, conversionsInTheNameOfAFileThatIsNotWellFormed
 TEST_F(ConfigurationContractTest, nothingIsWrittenToStandardOutput) {
     const std::string good = write("a.cfg", timeoutOf("7"));
     const std::string bad = folder.write("b.cfg", "<");
-    const std::string output = standardOutputOf((folder.path() / "output").string(), [&] {
+    const std::string output = standardOutputOf([&] {
         EXPECT_EQ(initAnew(good.c_str()), 0);
         EXPECT_EQ(initAnew(bad.c_str()), 0);
         EXPECT_EQ(initAnew(nullptr), 0);
