@@ -102,13 +102,15 @@ TEST_F(SftpWrapperTest, localNameWithANewlineIsReadAsAnyOther) {
 
 TEST_F(SftpWrapperTest, relativePathBeginsAtTheUsersFolder) {
     const SftpServer server;
-    for (const char* const path : {"file", "-x", "~file"}) {
+    std::filesystem::create_directory(server.folder() / "-d");
+    std::filesystem::permissions(server.folder() / "-d", std::filesystem::perms(0777));
+    for (const char* const path : {"file", "-x", "~file", "-d/file"}) {
         Transfer transfer = transferTo(server, path);
         transfer.remotePath = path;
         EXPECT_EQ(transfer.run(), success);
         EXPECT_EQ(contents(server.folder() / path), path);
     }
-    EXPECT_THAT(server.names(), ElementsAre("-x", "file", "~file"));
+    EXPECT_THAT(server.names(), ElementsAre("-d", "-x", "file", "~file"));
 }
 
 TEST_F(SftpWrapperTest, remoteFileGetsTheLocalModeAndReplacesALink) {
