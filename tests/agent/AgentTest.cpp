@@ -2,12 +2,16 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+
 #include "DalOamSpiModelRepository.h"
 #include "Failure.h"
 #include "LogCapture.h"
+#include "MoAccessor.h"
 #include "ObjectReader.h"
 #include "Operation.h"
 #include "Portal.h"
+#include "ScopedTransaction.h"
 #include "TestNode.h"
 
 namespace TevAgent {
@@ -84,6 +88,48 @@ TEST_F(AgentTest, refusesInputsThatCannotBeUsed) {
             EXPECT_THAT(e.what(), HasSubstr("/nowhere"));
         }
     }
+}
+
+TEST_F(AgentTest, servesEveryValueTypeToTheAccessorsOfComponents) {
+    node.writeObjects(R"(<managedObjects>
+        <mo class="ManagedElement" id="1"/>
+        <mo class="ManagedElement" id="2"><mo class="Board" id="a b">
+          <attribute name="string" type="string"><value>north</value><value>sea</value></attribute>
+          <attribute name="reference" type="reference"><value>ManagedElement=1</value></attribute>
+          <attribute name="int8" type="int8"><value>-128</value></attribute>
+          <attribute name="int16" type="int16"><value>-32768</value></attribute>
+          <attribute name="int32" type="int32"><value>-2147483648</value></attribute>
+          <attribute name="int64" type="int64"><value>-9223372036854775808</value></attribute>
+          <attribute name="uint8" type="uint8"><value>255</value></attribute>
+          <attribute name="uint16" type="uint16"><value>65535</value></attribute>
+          <attribute name="uint32" type="uint32"><value>4294967295</value></attribute>
+          <attribute name="uint64" type="uint64"><value>18446744073709551615</value></attribute>
+          <attribute name="bool" type="bool"><value>true</value></attribute>
+          <attribute name="enum" type="enum"><value>-3</value></attribute>
+          <attribute name="double" type="double"><value>0.5</value></attribute>
+        </mo></mo>
+      </managedObjects>)");
+    Agent agent(inputs());
+    ScopedTransaction transaction(agent.transactions());
+    Tev::MoAccessor accessor(true, 1, 60);
+    accessor.useTransaction(transaction.handle());
+    std::string dn;
+    accessor.getFirstMoInstance("ManagedElement,Board", dn);
+    EXPECT_EQ(dn, "ManagedElement=2,Board=a b");
+    EXPECT_THAT(accessor.getSeqAttr<std::string>(dn, "string"), ElementsAre("north", "sea"));
+    EXPECT_EQ(accessor.getAttr<std::string>(dn, "reference"), "ManagedElement=1");
+    EXPECT_EQ(accessor.getAttr<std::int8_t>(dn, "int8"), INT8_MIN);
+    EXPECT_EQ(accessor.getAttr<std::int16_t>(dn, "int16"), INT16_MIN);
+    EXPECT_EQ(accessor.getAttr<std::int32_t>(dn, "int32"), INT32_MIN);
+    EXPECT_EQ(accessor.getAttr<std::int64_t>(dn, "int64"), INT64_MIN);
+    EXPECT_EQ(accessor.getAttr<std::uint8_t>(dn, "uint8"), UINT8_MAX);
+    EXPECT_EQ(accessor.getAttr<std::uint16_t>(dn, "uint16"), UINT16_MAX);
+    EXPECT_EQ(accessor.getAttr<std::uint32_t>(dn, "uint32"), UINT32_MAX);
+    EXPECT_EQ(accessor.getAttr<std::uint64_t>(dn, "uint64"), UINT64_MAX);
+    EXPECT_TRUE(accessor.getAttr<bool>(dn, "bool"));
+    EXPECT_EQ(accessor.getAttr<std::int64_t>(dn, "enum"), -3);
+    EXPECT_EQ(accessor.getAttr<double>(dn, "double"), 0.5);
+    EXPECT_EQ(transaction.commit(), 0);
 }
 
 TEST_F(AgentTest, readsThroughAComponentUntilItIsStopped) {
