@@ -251,24 +251,24 @@ TEST_F(HostileComponentTest, hasAMessageForTheOperator) {
 }
 
 TEST_F(HostileComponentTest, anInterruptEndsAnEndlessListingInGoodOrder) {
-    AgentProcess agent(arguments("endless_listing", {"list"}), {});
+    AgentProcess agent(arguments("endless_listing", {"list"}));
     agent.waitForError("listing\n");
-    agent.interrupt();
-    const AgentOutcome outcome = agent.wait();
+    agent.send(SIGINT);
+    const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);
     EXPECT_EQ(outcome.err, "listing\nabort\nfinish\nstop\nterminate\ntev-agent: interrupted\n");
     EXPECT_EQ(outcome.out, "");
 }
 
 TEST_F(HostileComponentTest, aSecondInterruptEndsAComponentThatHangs) {
-    AgentProcess agent(arguments("endless_start", {"list"}), {});
+    AgentProcess agent(arguments("endless_start", {"list"}));
     agent.waitForError("starting\n");
     for (int interrupts = 0; interrupts < 1000 && !agent.hasEnded(); ++interrupts) {
-        agent.interrupt();
+        agent.send(SIGINT);
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     ASSERT_TRUE(agent.hasEnded());
-    EXPECT_EQ(agent.wait().signal, SIGINT);
+    EXPECT_EQ(agent.outcome().signal, SIGINT);
 }
 
 TEST_F(HostileComponentTest, checkNamesTheItemThatFailsAndDoesNotTryTheOthers) {

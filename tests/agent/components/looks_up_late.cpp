@@ -11,8 +11,7 @@ extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPorta
 }
 
 extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
-    const auto* const table =
-        good.find<DalOamSpiManagedObject_1>("TevSchemaMoService", "DalOamSpiManagedObject", "1");
+    const auto* const table = good.find<DalOamSpiManagedObject_1>("TevSchemaMoService", "DalOamSpiManagedObject", "1");
     std::puts(table == nullptr ? "not found" : "found");
     std::fflush(stdout);
     good.unregister();
