@@ -49,7 +49,7 @@ Agent::Agent(const Inputs& agentInputs) : inputs(agentInputs) {
     try {
         repository = std::make_unique<ModelRepository>(readModels(inputs.models));
         if (!inputs.objects.empty()) {
-            store = ObjectStore::load(inputs.objects);
+            store = ObjectStore::load(inputs.objects, {SchemaClass::route()});
         }
     } catch (const Tev::TevException& e) {
         throw Failure(ExitStatus::NotStarted, e.what());

@@ -97,7 +97,7 @@ void ComponentLibrary::initialize(const char* configuration) {
         }
     }
     if (code != TevReturnOk) {
-        refuse(file, capture.takeOr("dalLCMinit returned " + std::to_string(code)));
+        refuse(file, capture.takeOr("dalLCMinit returned " + ReturnCode::text(code)));
     }
     isInitialized = true;
 }

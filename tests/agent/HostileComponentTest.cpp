@@ -231,6 +231,15 @@ TEST_F(HostileComponentTest, throwsAnIntFromAReadWhichHidesThatInstanceOnly) {
               "value     value       value                value    value             value\n");
 }
 
+TEST_F(HostileComponentTest, returnsACodeFromAReadOfAnInstanceThatIsThere) {
+    const AgentOutcome outcome = run("read_fails", {"get", "one", "schemaId"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "tev-agent: cannot read attribute schemaId of " + TestNode::schemaDn("one") +
+                               ": component TevSchemaMoService returned -13\n");
+    EXPECT_THAT(run("read_fails", {"get", "one", "version"}).err,
+                HasSubstr(": component TevSchemaMoService returned -10 (no memory)\n"));
+}
+
 TEST_F(HostileComponentTest, givesNoContainer) {
     const AgentOutcome outcome = run("null_value", {"get", "one", "version"});
     EXPECT_EQ(outcome.status, 1);
@@ -241,7 +250,7 @@ TEST_F(HostileComponentTest, givesNoContainer) {
 TEST_F(HostileComponentTest, givesValuesThatReachForTheTerminal) {
     EXPECT_EQ(run("strange_values", {"get", "one", "version"}).out, "version\nred\\x1b[31m\\nnext \xef\xbf\xbd\n");
     EXPECT_THAT(run("strange_values", {"--output", "json", "get", "one", "version"}).out,
-                HasSubstr("red\\u001B[31m\\nnext \xef\xbf\xbd"));
+                HasSubstr("red\\u001B[31m\\nnext \\uFFFD\""));
 }
 
 TEST_F(HostileComponentTest, hasAMessageForTheOperator) {

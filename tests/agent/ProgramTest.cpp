@@ -192,7 +192,7 @@ TEST_F(ProgramTest, listReadsNoMoreThanTheHeadsOfManyFiles) {
     EXPECT_GT(many.bytesRead, none.bytesRead + count);
 }
 
-TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysSoOnce) {
+TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysOnceWhichOne) {
     node.writeModel("4.xml", R"(<mom name="Transport" version="3"/>)");
     node.writeModel("5.xml", R"(<mom name="Transport" version="4"/>)");
     node.writeModel("6.xml", R"(<mom name="Plain" version="4"/>)");
@@ -200,7 +200,8 @@ TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysSoOnce) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, table);
     EXPECT_EQ(outcome.err,
-              "tev-agent: there are several versions of Plain, Transport; the values are those of the first version\n");
+              "tev-agent: there are several versions of Plain (shown: the one without a version), Transport (shown: "
+              "2.1.5)\n");
 }
 
 TEST_F(ProgramTest, listNeedsASysMObjectWhenThereAreManagedObjects) {
@@ -234,10 +235,26 @@ TEST_F(ProgramTest, getShowsOneInstanceByItsSchemaId) {
     EXPECT_EQ(outcome.err, "");
 }
 
+TEST_F(ProgramTest, invisibleCharactersOfANameReachNoTerminal) {
+    node.writeModel("4.xml", "<mom name=\"Trap\xe2\x80\xae\xe2\x80\x8b\"><feature name=\"\xe2\x80\xad\"/></mom>");
+    node.writeModel("6\xe2\x80\xae.xml", "");
+    const std::string invisible = "\xe2\x80";
+    const AgentOutcome outcome = onNode({"list"});
+    EXPECT_THAT(outcome.out, AllOf(HasSubstr("\nTrap\\u202e\\u200b  Trap\\u202e\\u200b  "), Not(HasSubstr(invisible))));
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("6\\u202e.xml"), Not(HasSubstr(invisible))));
+    const std::string json = onNode({"--output=json", "list"}).out;
+    EXPECT_THAT(json, Not(HasSubstr(invisible)));
+    EXPECT_EQ(objectsIn(json, "schemas")[3]->getValue<std::string>("schemaId"), "Trap\xe2\x80\xae\xe2\x80\x8b");
+}
+
 TEST_F(ProgramTest, getTakesADnAsItIs) {
     EXPECT_EQ(onNode({"get", "ManagedElement=1,SystemFunctions=1,SysM=1,Schema=Transport", "version"}).out,
               "version\n2.1.5\n");
     EXPECT_EQ(onNode({"get", "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"}).out, "dscp\n10\n");
+    EXPECT_EQ(AgentProcess::run({"--objects", node.path() + "/managed-objects.xml", "get",
+                                 "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"})
+                  .out,
+              "dscp\n10\n");
 }
 
 TEST_F(ProgramTest, getShowsJustTheAttributesNamedInTheirOrder) {
@@ -527,7 +544,9 @@ TEST_F(ProgramTest, aBadObjectsFileIsStatus3WithFileLineAndReason) {
          "the attribute \"a\": \"128\" is out of the range of type int8"},
         {"<managedObjects><mo class=\"A\" id=\"1\"/>\n<mo class=\"A\" id=\"1\"/></managedObjects>",
          "there is an object of class \"A\" and id \"1\" with this parent already"},
-        {"<managedObjects>\n<thing/></managedObjects>", "<thing> does not belong here"}};
+        {"<managedObjects>\n<thing/></managedObjects>", "<thing> does not belong here"},
+        {"<managedObjects>\n<mo class=\"Schema\" id=\"1\"/></managedObjects>",
+         "objects of class \"Schema\" belong to component \"TevSchemaMoService\", and could not be read from here"}};
     for (const auto& [bad, reason] : cases) {
         node.writeObjects(bad);
         expectFailure(onNode({"list"}), 3, testing::Eq(place + reason + "\n"));
