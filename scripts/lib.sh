@@ -10,8 +10,11 @@ test_packages=(binutils libgmock-dev libgtest-dev)
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
-    else
+    elif command -v sudo >/dev/null; then
         sudo "$@"
+    else
+        echo "error: this needs root or sudo, and there is neither: $*" >&2
+        exit 1
     fi
 }
 
