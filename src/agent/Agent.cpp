@@ -49,7 +49,7 @@ Agent::Agent(const Inputs& agentInputs) : inputs(agentInputs) {
     try {
         repository = std::make_unique<ModelRepository>(readModels(inputs.models));
         if (!inputs.objects.empty()) {
-            store = ObjectStore::load(inputs.objects);
+            store = ObjectStore::load(inputs.objects, {SchemaClass::route()});
         }
     } catch (const Tev::TevException& e) {
         throw Failure(ExitStatus::NotStarted, e.what());
@@ -75,19 +75,16 @@ Agent::~Agent() {
 }
 
 ComponentLibrary& Agent::open(const std::string& path) {
-    return *libraries.emplace_back(std::make_unique<ComponentLibrary>(path));
+    return *libraries.emplace_back(std::make_unique<ComponentLibrary>(path, portal));
 }
 
 std::string Agent::initialize(ComponentLibrary& library) {
-    const std::size_t before = portal.registered().size();
-    library.initialize(PortalService::accessor(),
-                       inputs.configuration.empty() ? nullptr : inputs.configuration.c_str());
-    const auto registered = portal.registered();
-    if (registered.size() <= before) {
+    library.initialize(inputs.configuration.empty() ? nullptr : inputs.configuration.c_str());
+    if (library.components().empty()) {
         throw Failure(ExitStatus::NotStarted,
                       "cannot use component library " + library.path() + ": it registered no component");
     }
-    return registered[before]->name();
+    return library.components().front()->name();
 }
 
 void Agent::start() {

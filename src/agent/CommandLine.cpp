@@ -8,6 +8,7 @@
 
 #include "Failure.h"
 #include "LoggingWrapper.h"
+#include "RouteTable.h"
 #include "SchemaClass.h"
 
 namespace TevAgent {
@@ -118,6 +119,16 @@ std::string misuse(const CLI::ArgumentMismatch& error) {
     return what.substr(0, what.find(':')) + (isMissing ? " stands without its value" : " stands more than once");
 }
 
+/// What helps with an argument that was taken for an option but may have been meant otherwise.
+std::string hintFor(int argumentCount, const char* const* arguments) {
+    for (int i = 1; i < argumentCount && arguments[i] != std::string("--"); ++i) {
+        if (arguments[i][0] == '-' && arguments[i][1] != '-') {
+            return "; what begins with - but is no option stands behind --";
+        }
+    }
+    return "";
+}
+
 void verifyAttributes(const Settings& settings) {
     std::set<std::string> names;
     for (const std::string& name : settings.attributes) {
@@ -130,12 +141,18 @@ void verifyAttributes(const Settings& settings) {
     }
 }
 
+/// Other classes than Schema are served without models.
+bool needsModels(const Settings& settings) {
+    const bool isOther = settings.command == Settings::Command::Get && settings.hasDn() &&
+                         RouteTable({SchemaClass::route()}).ofDn(settings.target) == nullptr;
+    return settings.command != Settings::Command::Check && !isOther;
+}
+
 void verify(const Settings& settings) {
     if (settings.command == Settings::Command::Get) {
         verifyAttributes(settings);
     }
-    const bool needsModels = settings.command != Settings::Command::Check;
-    if (needsModels && settings.models.empty()) {
+    if (needsModels(settings) && settings.models.empty()) {
         refuse("neither --node nor --models says where the models are");
     }
     const std::string name = std::filesystem::path(settings.configuration).filename();
@@ -168,7 +185,7 @@ Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
     } catch (const CLI::ArgumentMismatch& e) {
         refuse(misuse(e));
     } catch (const CLI::ParseError& e) {
-        refuse(e.what());
+        refuse(e.what() + (app.got_subcommand("get") ? hintFor(argumentCount, arguments) : ""));
     }
     if (app.get_subcommands().empty()) {
         refuse("no command is given");

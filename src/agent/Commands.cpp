@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include <filesystem>
+#include <map>
 #include <set>
 #include <system_error>
 
@@ -36,13 +37,25 @@ void initialize(Agent& agent, const std::vector<std::string>& libraries) {
     }
 }
 
-void sayRepeated(const std::set<std::string>& keys) {
-    std::string names;
-    for (const std::string& key : keys) {
-        names += (names.empty() ? "" : ", ") + key;
+/// Which version of its model an instance shows, as a sentence names it.
+std::string versionOf(const Instance& instance) {
+    for (const Instance::Attribute& attribute : instance.attributes) {
+        if (attribute.name == "version" && !attribute.values.empty() && !attribute.values.front().empty()) {
+            return attribute.values.front();
+        }
     }
-    if (!names.empty()) {
-        Diagnostics::say("there are several versions of " + names + "; the values are those of the first version");
+    return "the one without a version";
+}
+
+/// Says which models have several versions, and which one is shown, where the instance could be read.
+void sayRepeated(const std::set<std::string>& repeated, const std::map<std::string, std::string>& versions) {
+    std::string models;
+    for (const std::string& key : repeated) {
+        const std::string& version = versions.at(key);
+        models += (models.empty() ? "" : ", ") + key + (version.empty() ? "" : " (shown: " + version + ")");
+    }
+    if (!models.empty()) {
+        Diagnostics::say("there are several versions of " + models);
     }
 }
 
@@ -64,16 +77,17 @@ ExitStatus Commands::run() {
 ExitStatus Commands::list(Agent& agent) {
     ExitStatus status = ExitStatus::Done;
     std::vector<Instance> instances;
-    std::set<std::string> seen;
+    std::map<std::string, std::string> versions;  // shown, by schema id
     std::set<std::string> repeated;
     Operation operation(agent);
     for (const std::string& key : operation.reader().keys(agent.schemaParent(), SchemaClass::name)) {
-        if (!seen.insert(key).second) {
+        if (!versions.emplace(key, "").second) {
             repeated.insert(key);
             continue;
         }
         try {
             instances.push_back(operation.reader().read(agent.schemaDn(key), SchemaClass::attributes()));
+            versions[key] = versionOf(instances.back());
         } catch (const Failure& e) {
             // One instance that cannot be read does not hide the others.
             Diagnostics::say(e.what());
@@ -81,7 +95,7 @@ ExitStatus Commands::list(Agent& agent) {
         }
     }
     operation.commit();
-    sayRepeated(repeated);
+    sayRepeated(repeated, versions);
     write(SchemaClass::attributes(), instances);
     return status;
 }

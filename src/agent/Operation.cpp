@@ -2,6 +2,7 @@
 
 #include "Diagnostics.h"
 #include "Failure.h"
+#include "ReturnCode.h"
 
 namespace TevAgent {
 
@@ -20,7 +21,7 @@ void Operation::commit() {
     const TevReturnT code = transaction->commit();
     if (code != TevReturnOk) {
         throw Failure(ExitStatus::OperationFailed,
-                      "the transaction failed: " + capture.takeOr("code " + std::to_string(code)));
+                      "the transaction failed: " + capture.takeOr("code " + ReturnCode::text(code)));
     }
 }
 

@@ -215,6 +215,21 @@ TEST(CommandLineTest, refusesAConfigurationOfAnotherName) {
 TEST(CommandLineTest, refusesToListOrGetWithoutModels) {
     EXPECT_THAT(refusal({"list"}), HasSubstr("neither --node nor --models says where the models are"));
     EXPECT_THAT(refusal({"get", "x"}), HasSubstr("neither --node nor --models says where the models are"));
+    EXPECT_THAT(refusal({"get", "SysM=1,Schema=x"}), HasSubstr("neither --node nor --models"));
+    EXPECT_THAT(refusal({"get", "SysM=1,Schema=x,Part=1", "a"}), HasSubstr("neither --node nor --models"));
+}
+
+TEST(CommandLineTest, takesAnObjectOfAnotherClassWithoutModels) {
+    EXPECT_EQ(parse({"--objects", "o.xml", "get", "ManagedElement=1", "a"}).models, "");
+}
+
+TEST(CommandLineTest, tellsHowToNameASchemaThatLooksLikeAnOption) {
+    EXPECT_THAT(refusal({"--models", "m", "get", "-x"}),
+                HasSubstr("; what begins with - but is no option stands behind -- ("));
+    EXPECT_THAT(refusal({"--models", "m", "get", "-x", "version"}), HasSubstr("-x; what begins with -"));
+    EXPECT_THAT(refusal({"--models", "m", "get"}), testing::Not(HasSubstr("behind --")));
+    EXPECT_THAT(refusal({"--models", "m", "list", "-x"}), testing::Not(HasSubstr("behind --")));
+    EXPECT_EQ(parse({"--models", "m", "get", "--", "-x"}).target, "-x");
 }
 
 }  // namespace
