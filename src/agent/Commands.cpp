@@ -145,12 +145,11 @@ ExitStatus Commands::exportModels(Agent& agent) {
     if (settings.isEveryModel) {
         output.write(isTable ? "" : JsonText::of(results));
     }
+    if (!isDone && !settings.isEveryModel && !results.empty()) {
+        Diagnostics::say("cannot export " + results.front().model + ": " + results.front().message);
+    }
     if (!isDone) {
         Interruption::check();
-    }
-    if (!isDone && !settings.isEveryModel) {
-        throw Failure(ExitStatus::OperationFailed,
-                      "cannot export " + results.front().model + ": " + results.front().message);
     }
     return isDone ? ExitStatus::Done : ExitStatus::OperationFailed;
 }

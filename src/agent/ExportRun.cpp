@@ -118,12 +118,12 @@ std::vector<ExportResult> ExportRun::run(const std::vector<Export>& exports, std
     std::size_t next = 0;
     const auto isMore = [&] { return next < exports.size() && !Interruption::isRequested(); };
     while (!threads.empty() || isMore()) {
+        line.show(progress.text());
         for (; threads.size() < jobs && isMore(); ++next) {
             threads[next] = std::async(std::launch::async, [this, &finished, &exports, place = next] {
                 finished.add(place, carryOut(exports[place]));
             });
         }
-        line.show(progress.text());
         for (auto& [place, result] : finished.take()) {
             threads.erase(place);
             progress.count(result);

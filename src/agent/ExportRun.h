@@ -19,7 +19,7 @@ namespace TevAgent {
 class ExportRun {
 public:
     struct Export {
-        std::string model;                   ///< schema id, or DN
+        std::string model;  ///< schema id, or DN
         std::string dn;
         std::optional<std::uintmax_t> size;  ///< of the model's file, in bytes, where it is known
     };

@@ -2,9 +2,11 @@
 
 #include <poll.h>
 
+#include <array>
 #include <atomic>
 #include <csignal>
-#include <initializer_list>
+
+#include "SftpWrapper.h"
 
 namespace TevAgent {
 
@@ -13,7 +15,7 @@ namespace {
 std::atomic<bool> isNoted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "the signal handler may set it");
 
-constexpr std::initializer_list<int> watched = {SIGINT, SIGTERM};
+constexpr std::array<int, 2> watched = {SIGINT, SIGTERM};
 
 void note(int) {
     isNoted = true;
@@ -24,6 +26,7 @@ void note(int) {
             std::signal(signal, SIG_DFL);
         }
     }
+    Tev::SftpWrapper::interruptAll();
 }
 
 /// Keeps the signals back while it lives.

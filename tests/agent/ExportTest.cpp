@@ -81,8 +81,9 @@ TEST_F(ExportTest, aFailureWithoutAMessageNamesTheComponentAndTheCode) {
 TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
     const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://throws/"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.err, EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService threw in action: an "
-                                      "exception of type int\n"));
+    EXPECT_THAT(outcome.err,
+                EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService threw in action: an "
+                         "exception of type int\n"));
 }
 
 TEST_F(ExportTest, aTransactionThatFailsIsAFailure) {
@@ -104,7 +105,8 @@ TEST_F(ExportTest, readsThePasswordFromStandardInput) {
 }
 
 TEST_F(ExportTest, needsAPassword) {
-    const AgentOutcome empty = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}));
+    const AgentOutcome empty =
+        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}));
     EXPECT_EQ(empty.status, 2);
     EXPECT_EQ(empty.err, "tev-agent: standard input gives no password\n");
     const AgentOutcome none = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/"}));
@@ -173,8 +175,7 @@ TEST_F(ExportTest, anInterruptEndsTheWaitForAPasswordOnStandardInput) {
 }
 
 TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAModelThatIsNotThere) {
-    const AgentOutcome outcome =
-        AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/"});
+    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "tev-agent: there is no " + TestNode::schemaDn("Nothing") + "\n");
 }
@@ -252,8 +253,8 @@ TEST_F(ExportTest, showsABarOnATerminalForEveryModel) {
 
 TEST_F(ExportTest, exportsNothingOfANodeWithoutModels) {
     const TempFolder empty;
-    const AgentOutcome outcome = AgentProcess::run(
-        {"--models", empty.path(), "export", "--all", "sftp://h/", "--password-file", passwordFile});
+    const AgentOutcome outcome =
+        AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/", "--password-file", passwordFile});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "");
