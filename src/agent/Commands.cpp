@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -8,8 +9,10 @@
 #include "ComponentCheck.h"
 #include "Diagnostics.h"
 #include "Failure.h"
+#include "Interruption.h"
 #include "JsonText.h"
 #include "Operation.h"
+#include "Password.h"
 #include "SchemaClass.h"
 #include "TableText.h"
 
@@ -59,6 +62,13 @@ void sayRepeated(const std::set<std::string>& repeated, const std::map<std::stri
     }
 }
 
+Password passwordFrom(const Settings& settings) {
+    if (settings.isPasswordFromInput) {
+        return Password::fromInput();
+    }
+    return settings.passwordFile.empty() ? Password::ask() : Password::fromFile(settings.passwordFile);
+}
+
 }  // namespace
 
 Commands::Commands(const Settings& commandSettings, StandardOutput& resultOutput)
@@ -71,7 +81,14 @@ ExitStatus Commands::run() {
     }
     initialize(agent, librariesOf(settings));
     agent.start();
-    return settings.command == Settings::Command::List ? list(agent) : get(agent);
+    switch (settings.command) {
+        case Settings::Command::List:
+            return list(agent);
+        case Settings::Command::Get:
+            return get(agent);
+        default:
+            return exportModels(agent);
+    }
 }
 
 ExitStatus Commands::list(Agent& agent) {
@@ -109,6 +126,56 @@ ExitStatus Commands::get(Agent& agent) {
     operation.commit();
     write(attributes, {instance});
     return ExitStatus::Done;
+}
+
+ExitStatus Commands::exportModels(Agent& agent) {
+    const std::vector<ExportRun::Export> wanted = wantedExports(agent);
+    const Password password = passwordFrom(settings);
+    const bool isTable = settings.output == Settings::Output::Table;
+    const auto tell = [&](const ExportResult& result) {
+        if (settings.isEveryModel) {
+            output.write(isTable ? TableText::of(result) : "");
+        } else if (result.isExported) {
+            Diagnostics::say(result.message);
+        }
+    };
+    const std::vector<ExportResult> results = ExportRun(agent, settings.uri, password).run(wanted, settings.jobs, tell);
+    const auto isExported = [](const ExportResult& result) { return result.isExported; };
+    const bool isDone = results.size() == wanted.size() && std::all_of(results.begin(), results.end(), isExported);
+    if (settings.isEveryModel) {
+        output.write(isTable ? "" : JsonText::of(results));
+    }
+    if (!isDone && !settings.isEveryModel && !results.empty()) {
+        Diagnostics::say("cannot export " + results.front().model + ": " + results.front().message);
+    }
+    if (!isDone) {
+        Interruption::check();
+    }
+    return isDone ? ExitStatus::Done : ExitStatus::OperationFailed;
+}
+
+std::vector<ExportRun::Export> Commands::wantedExports(Agent& agent) const {
+    std::vector<ExportRun::Export> wanted;
+    Operation operation(agent);
+    if (settings.isEveryModel) {
+        std::set<std::string> seen;
+        for (const std::string& key : operation.reader().keys(agent.schemaParent(), SchemaClass::name)) {
+            if (seen.insert(key).second) {
+                wanted.push_back({key, agent.schemaDn(key), agent.modelSize(key)});
+            }
+        }
+    } else {
+        const std::string dn = settings.hasDn() ? settings.target : agent.schemaDn(settings.target);
+        const bool isSchema = SchemaClass::isClassOf(dn);
+        const std::string id = dn.substr(dn.rfind('=') + 1);
+        if (isSchema) {
+            // Nobody is asked for a password in vain.
+            operation.reader().read(dn, {SchemaClass::attributes().front()});
+        }
+        wanted.push_back({settings.target, dn, isSchema ? agent.modelSize(id) : std::nullopt});
+    }
+    operation.commit();
+    return wanted;
 }
 
 ExitStatus Commands::check(Agent& agent) {

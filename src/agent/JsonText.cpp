@@ -81,4 +81,16 @@ std::string JsonText::of(const std::vector<CheckResult>& results) {
     return document.end();
 }
 
+std::string JsonText::of(const std::vector<ExportResult>& results) {
+    Document document("exports");
+    for (const ExportResult& result : results) {
+        Poco::JSON::Object exported(options);
+        exported.set("model", Utf8::repaired(result.model));
+        exported.set("exported", result.isExported);
+        exported.set("message", Utf8::repaired(result.message));
+        document.add(exported);
+    }
+    return document.end();
+}
+
 }  // namespace TevAgent

@@ -244,9 +244,8 @@ TEST_F(MoAccessorTest, readsInTheTransactionThatIsInUse) {
     EXPECT_EQ(first("ManagedElement"), dn);
     const std::string fetch = "getInterface DalOamSpiCmRouterService,DalOamSpiManagedObject,1";
     const std::string read = "router.getMoAttribute 4294967295,ManagedElement=1,attr";
-    EXPECT_THAT(host.calls(),
-                ElementsAre("getPortal 3", fetch, read, "getPortal 3", fetch, read, "getPortal 3", fetch,
-                            "router.newMoIterator 4294967295,,ManagedElement", "router.nextMo"));
+    EXPECT_THAT(host.calls(), ElementsAre("getPortal 3", fetch, read, "getPortal 3", fetch, read, "getPortal 3", fetch,
+                                          "router.newMoIterator 4294967295,,ManagedElement", "router.nextMo"));
 }
 
 TEST_F(MoAccessorTest, doesNothingBeforeItIsAsked) {
@@ -321,8 +320,7 @@ TEST_F(MoAccessorTest, otherCodesOfTheRouterAreFailures) {
         host.failCall("router.newMoIterator", code);
         EXPECT_EQ(failureOfFirst(path), shown + " newMoIterator failed for ManagedElement: " + shown);
         host.failCall("router.newMoIterator", code, 2);
-        EXPECT_EQ(failureOfFirst(path),
-                  shown + " newMoIterator failed for ManagedElement=1,SystemFunctions: " + shown);
+        EXPECT_EQ(failureOfFirst(path), shown + " newMoIterator failed for ManagedElement=1,SystemFunctions: " + shown);
         host.failCall("router.nextMo", code, 2);
         EXPECT_EQ(failureOfFirst(path), shown + " nextMo failed for ManagedElement=1,SystemFunctions: " + shown);
     }

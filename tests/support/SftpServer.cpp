@@ -99,8 +99,8 @@ SftpServer::~SftpServer() {
 }
 
 void SftpServer::start(const Setting& setting) {
-    std::vector<std::string> words = {SFTP_SERVER_SCRIPT, "--address", setting.address, "--user", setting.user,
-                                      "--password-stdin"};
+    std::vector<std::string> words = {SFTP_SERVER_SCRIPT, "--address",  setting.address,
+                                      "--user",           setting.user, "--password-stdin"};
     if (!setting.port.empty()) {
         words.insert(words.end(), {"--port", setting.port});
     }

@@ -12,8 +12,8 @@
 
 namespace TevTest {
 
-/// A private sshd on loopback, started by `scripts/sftp-server`, with a host key of its own. Its log is printed when the
-/// test has failed. Used by one thread.
+/// A private sshd on loopback, started by `scripts/sftp-server`, with a host key of its own. Its log is printed when
+/// the test has failed. Used by one thread.
 class SftpServer {
 public:
     struct Setting {

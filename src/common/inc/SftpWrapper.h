@@ -1,12 +1,15 @@
 #ifndef TEV_SFTP_WRAPPER_H
 #define TEV_SFTP_WRAPPER_H
 
+#include <memory>
 #include <string>
 
 #include "TevCommonApi.h"
 #include "TevReturnT.h"
 
 namespace Tev {
+
+struct TransferSettings;
 
 /// One transfer of a file over SFTP, done by the OpenSSH client.
 ///
@@ -42,21 +45,15 @@ public:
     /// What the last `execute` failed of, in one sentence; empty after a success.
     std::string getErrorMessage() const;
 
+    /// Ends every transfer of the process within about a second; those begun later fail at once, until `allowAgain`.
+    /// They clean up as after any failure and return -1. May be called by signal handlers.
+    static void interruptAll() noexcept;
+    static void allowAgain() noexcept;
+
 private:
-    std::string program;
-    std::string user;
-    std::string password;
-    std::string host;
-    std::string port;
-    SftpAction action;
-    std::string localFile;
-    std::string remotePath;
-    bool debug;
-    std::string ciphers;
-    std::string keyExchanges;
-    std::string macs;
-    long timeout;
-    unsigned char dscp;
+    TevReturnT transfer();
+
+    std::shared_ptr<const TransferSettings> settings;
     std::string errorMessage;
 };
 
