@@ -18,15 +18,17 @@
 
 #define SCHEMA_LOG(LEVEL, ...) SCHEMA_LOG_AS(__func__, LEVEL, __VA_ARGS__)
 
-/// A debug trace of `KIND`, a `TraceKind`.
-#define SCHEMA_TRACE_AS(FUNCTION_NAME, KIND, ...)                                                                \
-    do {                                                                                                         \
-        Tev::LoggingWrapper& schemaLog = Tev::LoggingWrapper::instance();                                        \
-        if (schemaLog.get_level() >= 8) {                                                                        \
-            schemaLog.trace_printf(sourceFile, FUNCTION_NAME, __LINE__, KIND, __VA_ARGS__);                      \
-            schemaLog.trace_v2_printf(Tev::Trace::Schema, 14, sourceFile, FUNCTION_NAME, __LINE__, __VA_ARGS__); \
-        }                                                                                                        \
+/// A debug trace of `KIND`, a `TraceKind`, of a trace subsystem.
+#define SCHEMA_TRACE_TO(SUBSYSTEM, FUNCTION_NAME, KIND, ...)                                            \
+    do {                                                                                                \
+        Tev::LoggingWrapper& schemaLog = Tev::LoggingWrapper::instance();                               \
+        if (schemaLog.get_level() >= 8) {                                                               \
+            schemaLog.trace_printf(sourceFile, FUNCTION_NAME, __LINE__, KIND, __VA_ARGS__);             \
+            schemaLog.trace_v2_printf(SUBSYSTEM, 14, sourceFile, FUNCTION_NAME, __LINE__, __VA_ARGS__); \
+        }                                                                                               \
     } while (false)
+
+#define SCHEMA_TRACE_AS(FUNCTION_NAME, KIND, ...) SCHEMA_TRACE_TO(Tev::Trace::Schema, FUNCTION_NAME, KIND, __VA_ARGS__)
 
 #define SCHEMA_TRACE(KIND, ...) SCHEMA_TRACE_AS(__func__, KIND, __VA_ARGS__)
 

@@ -510,10 +510,11 @@ TevReturnT _tevSchemaPopulator_deleteMo_if(unsigned long, const char*) {
     return TevReturnFailure;
 }
 
-TevReturnT _tevSchemaPopulator_action_if(unsigned long, const char*, const char*, DalMoAttributeValueContainer**,
-                                         DalMoAttributeValueContainer**) {
+TevReturnT _tevSchemaPopulator_action_if(unsigned long txHandle, const char* dn, const char* actionName,
+                                         DalMoAttributeValueContainer** parameters,
+                                         DalMoAttributeValueContainer** result) {
     if (isRefused(__func__)) {
         return TevReturnNotStarted;
     }
-    return TevReturnFailure;
+    return moImpl().action(txHandle, dn, actionName, parameters, result);
 }

@@ -2,12 +2,18 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
+#include <cstdint>
+
 #include "DalOamSpiModelRepository.h"
 #include "Failure.h"
 #include "LogCapture.h"
+#include "MoAccessor.h"
 #include "ObjectReader.h"
 #include "Operation.h"
 #include "Portal.h"
+#include "ScopedTransaction.h"
 #include "TestNode.h"
 
 namespace TevAgent {
@@ -74,6 +80,32 @@ TEST_F(AgentTest, putsSchemasUnderTheUsualDnWithoutManagedObjects) {
     EXPECT_EQ(agent.schemaParent(), "ManagedElement=1,SystemFunctions=1,SysM=1");
 }
 
+TEST_F(AgentTest, knowsTheSizeOfTheModelThatIsShown) {
+    node.writeModel("0.xml", "<mom name=\"Twice\" version=\"2\"/>");
+    node.writeModel("9.xml", "<mom name=\"Twice\" version=\"1\"/> ");
+    node.writeModel("gone.xml", "<mom name=\"Gone\"/>");
+    const Agent agent(inputs());
+    EXPECT_EQ(agent.modelSize("Twice"), std::filesystem::file_size(node.path() + "/models/9.xml"));
+    EXPECT_EQ(agent.modelSize("Nothing"), std::nullopt);
+    std::filesystem::remove(node.path() + "/models/gone.xml");
+    EXPECT_EQ(agent.modelSize("Gone"), std::nullopt);
+}
+
+TEST_F(AgentTest, knowsHowLongATransferMayTake) {
+    const auto timeoutWith = [this](const std::string& content) {
+        const TevTest::TempFolder folder;
+        Agent::Inputs changed = inputs();
+        changed.configuration = folder.write("libtev_schema_populator.cfg", content);
+        return Agent(changed).transferTimeout().count();
+    };
+    const std::string one = "<TevSchemaMoService><sftpTimeout>60000</sftpTimeout></TevSchemaMoService>";
+    EXPECT_EQ(timeoutWith("<configuration>" + one + "</configuration>"), 60000);
+    EXPECT_EQ(timeoutWith("<configuration>" + one + one + "</configuration>"), 180000);
+    EXPECT_EQ(timeoutWith("<configuration><TevSchemaMoService/></configuration>"), 180000);
+    EXPECT_EQ(timeoutWith("<configuration/>"), 180000);
+    EXPECT_EQ(Agent({node.path() + "/models", "", ""}).transferTimeout().count(), 180000);
+}
+
 TEST_F(AgentTest, refusesInputsThatCannotBeUsed) {
     for (const Agent::Inputs& bad : {Agent::Inputs{"/nowhere", "", ""}, Agent::Inputs{"", "/nowhere", ""}}) {
         try {
@@ -84,6 +116,48 @@ TEST_F(AgentTest, refusesInputsThatCannotBeUsed) {
             EXPECT_THAT(e.what(), HasSubstr("/nowhere"));
         }
     }
+}
+
+TEST_F(AgentTest, servesEveryValueTypeToTheAccessorsOfComponents) {
+    node.writeObjects(R"(<managedObjects>
+        <mo class="ManagedElement" id="1"/>
+        <mo class="ManagedElement" id="2"><mo class="Board" id="a b">
+          <attribute name="string" type="string"><value>north</value><value>sea</value></attribute>
+          <attribute name="reference" type="reference"><value>ManagedElement=1</value></attribute>
+          <attribute name="int8" type="int8"><value>-128</value></attribute>
+          <attribute name="int16" type="int16"><value>-32768</value></attribute>
+          <attribute name="int32" type="int32"><value>-2147483648</value></attribute>
+          <attribute name="int64" type="int64"><value>-9223372036854775808</value></attribute>
+          <attribute name="uint8" type="uint8"><value>255</value></attribute>
+          <attribute name="uint16" type="uint16"><value>65535</value></attribute>
+          <attribute name="uint32" type="uint32"><value>4294967295</value></attribute>
+          <attribute name="uint64" type="uint64"><value>18446744073709551615</value></attribute>
+          <attribute name="bool" type="bool"><value>true</value></attribute>
+          <attribute name="enum" type="enum"><value>-3</value></attribute>
+          <attribute name="double" type="double"><value>0.5</value></attribute>
+        </mo></mo>
+      </managedObjects>)");
+    Agent agent(inputs());
+    ScopedTransaction transaction(agent.transactions());
+    Tev::MoAccessor accessor(true, 1, 60);
+    accessor.useTransaction(transaction.handle());
+    std::string dn;
+    accessor.getFirstMoInstance("ManagedElement,Board", dn);
+    EXPECT_EQ(dn, "ManagedElement=2,Board=a b");
+    EXPECT_THAT(accessor.getSeqAttr<std::string>(dn, "string"), ElementsAre("north", "sea"));
+    EXPECT_EQ(accessor.getAttr<std::string>(dn, "reference"), "ManagedElement=1");
+    EXPECT_EQ(accessor.getAttr<std::int8_t>(dn, "int8"), INT8_MIN);
+    EXPECT_EQ(accessor.getAttr<std::int16_t>(dn, "int16"), INT16_MIN);
+    EXPECT_EQ(accessor.getAttr<std::int32_t>(dn, "int32"), INT32_MIN);
+    EXPECT_EQ(accessor.getAttr<std::int64_t>(dn, "int64"), INT64_MIN);
+    EXPECT_EQ(accessor.getAttr<std::uint8_t>(dn, "uint8"), UINT8_MAX);
+    EXPECT_EQ(accessor.getAttr<std::uint16_t>(dn, "uint16"), UINT16_MAX);
+    EXPECT_EQ(accessor.getAttr<std::uint32_t>(dn, "uint32"), UINT32_MAX);
+    EXPECT_EQ(accessor.getAttr<std::uint64_t>(dn, "uint64"), UINT64_MAX);
+    EXPECT_TRUE(accessor.getAttr<bool>(dn, "bool"));
+    EXPECT_EQ(accessor.getAttr<std::int64_t>(dn, "enum"), -3);
+    EXPECT_EQ(accessor.getAttr<double>(dn, "double"), 0.5);
+    EXPECT_EQ(transaction.commit(), 0);
 }
 
 TEST_F(AgentTest, readsThroughAComponentUntilItIsStopped) {

@@ -296,16 +296,6 @@ TEST_F(EntryPointsContractTest, nextMoGivesTheProvidersCodesAndRecordsUnchanged)
     EXPECT_EQ(transactional.finish(txHandle), 0);
 }
 
-TEST_F(EntryPointsContractTest, actionFailsWhileStartedAndNoExportIsThere) {
-    ASSERT_EQ(start(), 0);
-    forget();
-    DalMoAttributeValueContainer* noParameters = nullptr;
-    DalMoAttributeValueContainer* result = nullptr;
-    EXPECT_EQ(managed.action(txHandle, dnOf("A").c_str(), "export", &noParameters, &result), -1);
-    EXPECT_EQ(result, nullptr);
-    EXPECT_THAT(log.records(), IsEmpty());
-}
-
 // Refused writes.
 
 TEST_F(EntryPointsContractTest, setMoAttributeIsRefusedSilentlyInEveryState) {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "ExportParameters.h"
 #include "FakeHost.h"
 #include "LogCapture.h"
 #include "MemoryWatch.h"
@@ -153,6 +154,22 @@ TEST_F(SchemaPopulatorServiceTest, stopBeforeAnyStartSucceeds) {
                 ElementsAreArray(inOrder({debugTrace(9, sourceFile, "stop", " >> ***** Stopping service *****"),
                                           debugTrace(10, sourceFile, "stop", " << ")})));
     EXPECT_FALSE(service.isStarted());
+}
+
+TEST_F(SchemaPopulatorServiceTest, threadContextIsForgottenAtStop) {
+    EXPECT_EQ(start(), 0);
+    EXPECT_EQ(stop(), 0);
+    ExportParameters parameters("sftp://10.0.0.1/f", "secret");
+    parameters.password.container.nrOfValues = 0;
+    DalMoAttributeValueContainer* result = nullptr;
+    const LogCapture log(3);
+    EXPECT_EQ(service.getSchemaMoImpl()->action(5, "ManagedElement=1,SystemFunctions=1,SysM=1,Schema=One", "export",
+                                                parameters.array, &result),
+              -8);
+    EXPECT_THAT(log.recordsOf("addThreadContextMessage"),
+                ElementsAreArray(message(3, "src/schema_populator/SchemaMoImpl", "addThreadContextMessage",
+                                         "ThreadContext is null but SchemaMoService is started.")));
+    EXPECT_THAT(host.messages(), IsEmpty());
 }
 
 // The catalogue.

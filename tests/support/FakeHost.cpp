@@ -48,8 +48,8 @@ struct FakeHost::Tables {
             return answered<void*>(*answer, result, nullptr);
         }
         *result = nullptr;
-        for (DalMgmtSpiInterface_1* table :
-             {&transaction.base, &threadContext.base, &repository.base, &extension.base, &router.base}) {
+        for (DalMgmtSpiInterface_1* table : {&transaction.base, &threadContexts[current->threadContextInUse].base,
+                                             &repository.base, &extension.base, &router.base}) {
             if (std::strcmp(table->componentName, componentName) == 0 &&
                 std::strcmp(table->interfaceName, interfaceName) == 0 &&
                 std::strcmp(table->interfaceVersion, version) == 0 && current->withdrawn.count(interfaceName) == 0) {
@@ -92,12 +92,13 @@ struct FakeHost::Tables {
         return TevReturnOk;
     }
 
+    template <unsigned int threadContext>
     static TevReturnT addMessage(std::int32_t category, const char* text) {
         if (const Answer answer = current->note("addMessage", std::to_string(category) + "," + shown(text))) {
             return *answer;
         }
         const std::lock_guard<std::mutex> lock(current->mutex);
-        current->posted.emplace_back(category, text);
+        current->posted[threadContext].emplace_back(category, text);
         return TevReturnOk;
     }
 
@@ -198,8 +199,7 @@ struct FakeHost::Tables {
                     *result = nullptr;
                     return TevReturnOk;
                 }
-                const std::lock_guard<std::mutex> lock(current->mutex);
-                *result = current->texts.insert(model.file.value_or("/models/" + model.name + ".xml")).first->c_str();
+                *result = current->kept(model.file.value_or("/models/" + model.name + ".xml"));
                 return TevReturnOk;
             }
         }
@@ -208,15 +208,58 @@ struct FakeHost::Tables {
 
     static void reserved() { throw std::logic_error("a reserved slot was called"); }
 
-    static TevReturnT noObject(unsigned long, const char*, const char*, DalMoAttributeValueContainer** result) {
+    static TevReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* name,
+                                     DalMoAttributeValueContainer** result) {
+        if (const Answer answer =
+                current->note("router.getMoAttribute", std::to_string(txHandle) + "," + dn + "," + name)) {
+            return *answer;
+        }
+        const auto found = current->attributes.find({dn, name});
+        if (found == current->attributes.end()) {
+            return TevReturnNotFound;
+        }
+        *result = &found->second;
+        return TevReturnOk;
+    }
+
+    static TevReturnT newMoIterator(unsigned long txHandle, const char* parentDn, const char* className,
+                                    void** iterator) {
+        if (const Answer answer =
+                current->note("router.newMoIterator", std::to_string(txHandle) + "," + parentDn + "," + className)) {
+            return *answer;
+        }
+        const std::string start = parentDn + std::string(*parentDn == '\0' ? "" : ",") + className + "=";
+        Listing keys;
+        for (auto dn = current->objects.rbegin(); dn != current->objects.rend(); ++dn) {
+            if (dn->compare(0, start.size(), start) == 0 && dn->find(',', start.size()) == std::string::npos) {
+                keys.push_back(dn->substr(start.size()));
+            }
+        }
+        if (keys.empty()) {
+            return TevReturnNotFound;
+        }
+        const std::lock_guard<std::mutex> lock(current->mutex);
+        *iterator = &current->listings.emplace_back(keys);
+        return TevReturnOk;
+    }
+
+    static TevReturnT nextMo(void* iterator, char** result) {
+        if (const Answer answer = current->note("router.nextMo")) {
+            return *answer;
+        }
+        auto& keys = *static_cast<Listing*>(iterator);
         *result = nullptr;
-        return current->note("router.getMoAttribute").value_or(TevReturnNotFound);
+        if (!keys.empty()) {
+            *result = const_cast<char*>(current->kept(keys.back()));
+            keys.pop_back();
+        }
+        return TevReturnOk;
     }
 
     static DalPortalAccessor portalAccessor;
     static DalPortal_3 portal;
     static DalOamSpiTransaction_2 transaction;
-    static DalMgmtSpiThreadContext_2 threadContext;
+    static DalMgmtSpiThreadContext_2 threadContexts[2];
     static const DalOamSpiMrRoot_4 repositoryRoot;
     static const DalOamSpiMrGeneralProperties_4 repositoryProperties;
     static const DalOamSpiMrMom_4 repositoryMom;
@@ -230,8 +273,9 @@ DalPortal_3 FakeHost::Tables::portal = {
     {"DalPortalService", "DalPortal", "3"}, getInterface, reserved, registerComponent, unregisterComponent};
 DalOamSpiTransaction_2 FakeHost::Tables::transaction = {{"DalOamSpiTransactionService", "DalOamSpiTransaction", "2"},
                                                         registerParticipant};
-DalMgmtSpiThreadContext_2 FakeHost::Tables::threadContext = {
-    {"DalMgmtSpiThreadContextService", "DalMgmtSpiThreadContext", "2"}, addMessage};
+DalMgmtSpiThreadContext_2 FakeHost::Tables::threadContexts[2] = {
+    {{"DalMgmtSpiThreadContextService", "DalMgmtSpiThreadContext", "2"}, addMessage<0>},
+    {{"DalMgmtSpiThreadContextService", "DalMgmtSpiThreadContext", "2"}, addMessage<1>}};
 const DalOamSpiMrRoot_4 FakeHost::Tables::repositoryRoot = {getFirstMom};
 const DalOamSpiMrGeneralProperties_4 FakeHost::Tables::repositoryProperties = {getGeneralStringProperty, reserved,
                                                                                reserved, getGeneralDomainValue};
@@ -246,9 +290,9 @@ DalOamSpiModelRepositoryExtension_1 FakeHost::Tables::extension = {
     {"DalOamSpiModelRepositoryService", "DalOamSpiModelRepositoryExtension", "1"}, getMomFileName};
 DalOamSpiManagedObject_1 FakeHost::Tables::router = {{"DalOamSpiCmRouterService", "DalOamSpiManagedObject", "1"},
                                                      nullptr,
-                                                     noObject,
-                                                     nullptr,
-                                                     nullptr,
+                                                     getMoAttribute,
+                                                     newMoIterator,
+                                                     nextMo,
                                                      nullptr,
                                                      nullptr,
                                                      nullptr};
@@ -295,6 +339,23 @@ void FakeHost::withdraw(const std::string& interfaceName) {
     withdrawn.insert(interfaceName);
 }
 
+void FakeHost::setAttribute(const std::string& dn, const std::string& name,
+                            const DalMoAttributeValueContainer& values) {
+    attributes[{dn, name}] = values;
+}
+
+void FakeHost::setTexts(const std::string& dn, const std::string& name, const std::vector<std::string>& values) {
+    std::vector<DalMoAttributeValue>& given = cells.emplace_back(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        given[i].theString = const_cast<char*>(kept(values[i]));
+    }
+    setAttribute(dn, name, {DalMoTypeString, static_cast<std::uint32_t>(given.size()), given.data()});
+}
+
+void FakeHost::changeThreadContext() {
+    threadContextInUse = 1;
+}
+
 std::vector<std::string> FakeHost::calls() const {
     const std::lock_guard<std::mutex> lock(mutex);
     return noted;
@@ -317,7 +378,7 @@ std::vector<DalOamSpiTransactionalResource_2*> FakeHost::participants(unsigned l
 
 std::vector<std::pair<std::int32_t, std::string>> FakeHost::messages() const {
     const std::lock_guard<std::mutex> lock(mutex);
-    return posted;
+    return posted[threadContextInUse];
 }
 
 DalMgmtSpiInterface_1* FakeHost::findOffered(const std::string& interfaceName) const {
@@ -347,6 +408,11 @@ std::optional<TevReturnT> FakeHost::note(const std::string& operation, const std
         return fault->second;
     }
     return faultOfAny != faultsOfAny.end() ? std::optional(faultOfAny->second) : std::nullopt;
+}
+
+const char* FakeHost::kept(const std::string& text) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return texts.insert(text).first->c_str();
 }
 
 const FakeModel& FakeHost::model(std::uint64_t handle) const {

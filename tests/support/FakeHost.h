@@ -2,6 +2,7 @@
 #define FAKE_HOST_H
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -69,6 +70,18 @@ public:
 
     std::vector<FakeModel> models;
 
+    /// The DNs of the managed objects behind the router, parents included, in the order of their listings.
+    std::vector<std::string> objects;
+
+    /// Gives an object of the router an attribute. The values are borrowed for the host's life.
+    void setAttribute(const std::string& dn, const std::string& name, const DalMoAttributeValueContainer& values);
+
+    /// Gives an object of the router an attribute of strings.
+    void setTexts(const std::string& dn, const std::string& name, const std::vector<std::string>& values);
+
+    /// A second thread context is offered in place of the first from now on; `messages` are those posted to it.
+    void changeThreadContext();
+
     /// Every call since construction or the last `clearCalls`: "operation" or "operation argument,argument".
     std::vector<std::string> calls() const;
     void clearCalls();
@@ -96,6 +109,10 @@ private:
     /// Writes the call down; returns the code that the call ends with at once, if it has to.
     std::optional<TevReturnT> note(const std::string& operation, const std::string& arguments = "");
     const FakeModel& model(std::uint64_t handle) const;
+    const char* kept(const std::string& text);
+
+    /// A listing of the router: the keys that are left, the next one last.
+    using Listing = std::vector<std::string>;
 
     mutable std::mutex mutex;  // guards what follows
     bool hasPortal = true;
@@ -108,8 +125,13 @@ private:
     std::set<std::string> withdrawn;
     DalMgmtSpiComponent_2* registered = nullptr;
     std::map<unsigned long, std::vector<DalOamSpiTransactionalResource_2*>> joined;
-    std::vector<std::pair<std::int32_t, std::string>> posted;
-    std::set<std::string> texts;  // what the repository handed out, kept for the host's life
+    std::vector<std::pair<std::int32_t, std::string>> posted[2];
+    unsigned int threadContextInUse = 0;
+    std::map<std::pair<std::string, std::string>, DalMoAttributeValueContainer> attributes;
+    // What was handed out, kept for the host's life.
+    std::set<std::string> texts;
+    std::deque<Listing> listings;
+    std::deque<std::vector<DalMoAttributeValue>> cells;
 };
 
 }  // namespace TevTest

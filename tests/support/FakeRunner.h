@@ -1,0 +1,47 @@
+#ifndef FAKE_RUNNER_H
+#define FAKE_RUNNER_H
+
+#include <functional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "TevReturnT.h"
+
+namespace TevTest {
+
+/// Takes the place of `Tev::SftpWrapper` for the program and its libraries: writes down what it is given and transfers
+/// nothing. There is one at a time; a test sets it while no transfer is under way.
+class FakeRunner {
+public:
+    /// The fourteen arguments, in their order.
+    using Arguments = std::tuple<std::string, std::string, std::string, std::string, std::string, int, std::string,
+                                 std::string, bool, std::string, std::string, std::string, long, unsigned int>;
+
+    FakeRunner();
+    ~FakeRunner();
+    FakeRunner(const FakeRunner&) = delete;
+    FakeRunner& operator=(const FakeRunner&) = delete;
+
+    /// What `execute` returns, and `getErrorMessage` after it.
+    TevReturnT code = 0;
+    std::string errorMessage;
+
+    /// Done, where set, by each operation before anything else; what they throw goes to the caller.
+    std::function<void()> atConstruction;
+    std::function<void()> atExecution;
+    std::function<void()> atErrorMessage;
+
+    /// What each runner was constructed with.
+    std::vector<Arguments> constructed;
+
+    /// How often a runner was executed.
+    unsigned int executions = 0;
+
+    /// The replacement's way in.
+    static FakeRunner& current();
+};
+
+}  // namespace TevTest
+
+#endif
