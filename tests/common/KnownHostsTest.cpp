@@ -33,8 +33,7 @@ TEST_F(KnownHostsTest, folderIsMadeForItsUserOnly) {
 }
 
 TEST_F(KnownHostsTest, relativeFolderIsMadeAbsolute) {
-    const EnvironmentVariable relative("TEV_STATE_DIR",
-                                       std::filesystem::relative(folder.path() / "c").string());
+    const EnvironmentVariable relative("TEV_STATE_DIR", std::filesystem::relative(folder.path() / "c").string());
     EXPECT_TRUE(std::filesystem::path(KnownHosts().path()).is_absolute());
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "c/known_hosts"));
 }
@@ -50,8 +49,9 @@ TEST_F(KnownHostsTest, fileThatMayNotBeWritten) {
         FAIL();
     } catch (const Tev::TevException& failure) {
         EXPECT_EQ(failure.getReturnCode(), -1);
-        EXPECT_EQ(std::string(failure.what()), (folder.path() / "a/b/known_hosts").string() +
-                                                   ", where host keys are remembered, cannot be written: Permission denied");
+        EXPECT_EQ(std::string(failure.what()),
+                  (folder.path() / "a/b/known_hosts").string() +
+                      ", where host keys are remembered, cannot be written: Permission denied");
     }
 }
 

@@ -190,14 +190,16 @@ TEST_F(SftpWrapperTest, debugDoesNotHideAFailure) {
 }
 
 TEST_F(SftpWrapperTest, bannerOfTheServerIsNoFailure) {
+    const std::string banner = "dest open \"x\": Permission denied\r\nHost key for x has changed\r\n";
     SftpServer::Setting setting;
-    setting.configuration = {"Banner " + local.write("banner", "dest open \"x\": Permission denied\r\n")};
+    setting.configuration = {"Banner " + local.write("banner", banner)};
     std::filesystem::permissions(local.path(), std::filesystem::perms(0755));
     const SftpServer server(setting);
     Transfer transfer = transferTo(server);
     EXPECT_EQ(transfer.run(), success);
     transfer.debug = true;
     EXPECT_EQ(transfer.run(), success);
+    transfer.debug = false;
     transfer.password = "wrong";
     EXPECT_EQ(transfer.run().sentence, "the server 127.0.0.1 does not accept the user tester with this password");
 }
