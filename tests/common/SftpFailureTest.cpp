@@ -297,10 +297,16 @@ TEST_F(SftpFailureTest, momentOfFullDiskIsAFailure) {
     Transfer transfer = transferOver(server, randomBytes(10'000'000));
     transfer.port = proxy.port();
     std::thread freeing([&] {
+        std::size_t bytesAtLimit = 0;
         waitUntil([&] {
             const std::vector<std::string> names = server.names();
             std::error_code ignored;
-            return names.size() == 2 && std::filesystem::file_size(server.folder() / names[0], ignored) == limit;
+            if (bytesAtLimit == 0 && names.size() == 2 &&
+                std::filesystem::file_size(server.folder() / names[0], ignored) == limit) {
+                bytesAtLimit = proxy.bytes();
+            }
+            // A write has failed: the client has gone on after it, or removed the file.
+            return bytesAtLimit > 0 && (names.size() == 1 || proxy.bytes() > bytesAtLimit + 600'000);
         });
         server.limitFileSize(RLIM_INFINITY);
     });
