@@ -3,9 +3,11 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Needed to build everything, and to test it.
+# Needed to run what is built, to build it, to test it, and for a private SFTP server.
+run_packages=(openssh-client)
 build_packages=(cmake g++ libcli11-dev libexpat1-dev libpoco-dev ninja-build)
 test_packages=(binutils libgmock-dev libgtest-dev)
+server_packages=(libnss-wrapper openssh-server)
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
@@ -14,6 +16,16 @@ as_root() {
         sudo "$@"
     fi
 }
+
+# Runs a command as root, during which no package starts a service on this machine.
+without_services() (
+    policy=/usr/sbin/policy-rc.d
+    if [ ! -e "$policy" ]; then
+        trap 'as_root rm -f "$policy"' EXIT
+        printf '#!/bin/sh\nexit 101\n' | as_root install -m 0755 /dev/stdin "$policy"
+    fi
+    as_root "$@"
+)
 
 # Installs those of the Debian packages that are missing; does nothing, and needs no network, when all are there.
 install_packages() {
@@ -24,7 +36,11 @@ install_packages() {
     [ ${#missing[@]} -eq 0 ] && return
     echo "Installing ${missing[*]}"
     as_root apt-get update -q
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
+    without_services env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
+    # A server that is here for its program only does not come up with the machine either.
+    if [[ " ${missing[*]} " == *" openssh-server "* ]]; then
+        as_root update-rc.d ssh disable
+    fi
 }
 
 # build PRESET [TARGET...]: configures build/PRESET and builds the targets, else everything; warnings are errors where CI

@@ -1,0 +1,96 @@
+#include "KnownHosts.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+#include "FileDescriptor.h"
+#include "QuotedText.h"
+#include "TevException.h"
+
+namespace Tev {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+fs::path stateFolder() {
+    if (const std::string given = variable("TEV_STATE_DIR"); !given.empty()) {
+        return fs::absolute(given);
+    }
+    if (geteuid() == 0) {
+        return "/var/lib/tev";
+    }
+    if (const std::string base = variable("XDG_STATE_HOME"); fs::path(base).is_absolute()) {
+        return fs::path(base) / "tev";
+    }
+    if (const std::string home = variable("HOME"); fs::path(home).is_absolute()) {
+        return fs::path(home) / ".local/state/tev";
+    }
+    throw TevException("there is no folder to remember host keys in; set TEV_STATE_DIR");
+}
+
+/// Makes the folder and those above it that are missing.
+void make(const fs::path& folder) {
+    fs::path part;
+    for (const fs::path& name : folder) {
+        part /= name;
+        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST && !fs::is_directory(part)) {
+            throw fs::filesystem_error("mkdir", part, std::error_code(errno, std::generic_category()));
+        }
+    }
+}
+
+std::string quotedForShell(const std::string& text) {
+    std::string result = "'";
+    for (const char character : text) {
+        result += character == '\'' ? std::string("'\\''") : std::string(1, character);
+    }
+    return result + '\'';
+}
+
+}  // namespace
+
+KnownHosts::KnownHosts() {
+    const fs::path folder = stateFolder();
+    file = folder / "known_hosts";
+    // These have a meaning to the client that nothing takes away.
+    if (file.find("${") != std::string::npos || file.find_first_of("\n\r") != std::string::npos) {
+        throw TevException("the SFTP client cannot use the state folder's name; set TEV_STATE_DIR");
+    }
+    try {
+        make(folder);
+        const FileDescriptor opened(open(file.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, 0600),
+                                    "open");
+    } catch (const std::system_error& error) {
+        throw TevException("%s, where host keys are remembered, cannot be written: %s", file.c_str(),
+                           error.code().message().c_str());
+    }
+}
+
+std::string KnownHosts::option() const {
+    std::string value;
+    for (const char character : file) {
+        value += character == '%' ? std::string("%%") : std::string(1, character);
+    }
+    return quotedText(value);
+}
+
+std::string KnownHosts::forgetCommand(const std::string& host, const std::string& port) const {
+    const bool isBracketed = host.front() == '[';
+    const std::string name = isBracketed ? host.substr(1, host.size() - 2) : host;
+    const bool isDefaultPort = port.empty() || port == "22";
+    return "ssh-keygen -R " + quotedForShell(isDefaultPort ? name : '[' + name + "]:" + port) + " -f " +
+           quotedForShell(file);
+}
+
+}  // namespace Tev

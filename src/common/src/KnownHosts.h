@@ -1,0 +1,31 @@
+#ifndef TEV_KNOWN_HOSTS_H
+#define TEV_KNOWN_HOSTS_H
+
+#include <string>
+
+namespace Tev {
+
+/// The file in which the client remembers the servers' host keys: `known_hosts` in the state folder, which is
+/// `$TEV_STATE_DIR`; else for root `/var/lib/tev`; else `$XDG_STATE_HOME/tev`, else `~/.local/state/tev`.
+class KnownHosts {
+public:
+    /// Makes the folder (mode 0700) and the file where they are missing. Throws TevException when the file cannot be
+    /// written, for the client would then trust any key and say nothing.
+    KnownHosts();
+
+    /// Absolute.
+    const std::string& path() const { return file; }
+
+    /// The value of the client's option that names the file.
+    std::string option() const;
+
+    /// A command for a shell that forgets the key of a server; `host` and `port` as the client has them.
+    std::string forgetCommand(const std::string& host, const std::string& port) const;
+
+private:
+    std::string file;
+};
+
+}  // namespace Tev
+
+#endif

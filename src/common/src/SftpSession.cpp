@@ -1,0 +1,168 @@
+#include "SftpSession.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <string_view>
+
+#include "ClientCommandLine.h"
+#include "SigpipeGuard.h"
+#include "TransferInterruption.h"
+
+namespace Tev {
+
+namespace {
+
+// The client answers this command by itself, with a line that begins like that.
+const char* const marker = "version\n";
+constexpr std::string_view markerAnswer = "SFTP protocol version";
+
+constexpr int pollSlice = 100;      // milliseconds, after which an interruption is seen
+constexpr int timeToCleanUp = 600;  // milliseconds
+constexpr int timeToLeave = 1000;   // milliseconds
+
+/// The time that the client itself gives to a connection: more than ours, so that a whole second ends nothing early.
+/// When we set none, it still ends with a server that says nothing.
+int connectSeconds(const TransferSettings& settings, const Deadline& deadline) {
+    constexpr int withoutTimeout = 120;
+    return settings.timeout > 0 ? deadline.timeLeft(INT_MAX - 1000) / 1000 + 1 : withoutTimeout;
+}
+
+/// Gives what there is to read to `take`, piece by piece. Returns false at the end of the stream.
+template <class Take>
+bool readAll(const FileDescriptor& descriptor, Take take) {
+    char buffer[4096];
+    for (;;) {
+        const ssize_t count = TEMP_FAILURE_RETRY(read(descriptor.get(), buffer, sizeof buffer));
+        if (count <= 0) {
+            return count < 0 && errno == EAGAIN;
+        }
+        take(std::string_view(buffer, static_cast<std::size_t>(count)));
+    }
+}
+
+}  // namespace
+
+SftpSession::SftpSession(const TransferSettings& checkedSettings, const KnownHosts& knownHosts,
+                         const FileDescriptor& file, const Deadline& deadline)
+    : settings(checkedSettings),
+      limit(deadline),
+      client(clientCommandLine(settings, knownHosts.option(), connectSeconds(settings, deadline)), file, terminal),
+      words(settings.debug) {}
+
+bool SftpSession::connect() {
+    send(marker);
+    isConnected = answers();
+    return isConnected;
+}
+
+bool SftpSession::run(const std::string& command) {
+    send(command + '\n' + marker);
+    return answers();
+}
+
+bool SftpSession::answers() {
+    ++answersMissing;
+    while (answersMissing > 0) {
+        noticeStop();
+        const bool isOver = reason != Stop::None && (!isConnected || limit.hasPassed());
+        // Seen before the last words are read, so that none is missed.
+        const bool hasEnded = client.hasEnded();
+        if (!isOver && !hasEnded) {
+            waitForWords();
+        }
+        readTerminal();
+        readOutput();
+        readError();
+        if (isOver || (hasEnded && answersMissing > 0)) {
+            client.end();
+            return false;
+        }
+    }
+    return true;
+}
+
+void SftpSession::noticeStop() {
+    if (reason != Stop::None) {
+        return;
+    }
+    if (TransferInterruption::isRequested()) {
+        reason = Stop::Interrupted;
+    } else if (limit.hasPassed()) {
+        reason = Stop::TimedOut;
+    } else if (!prompt.secondQuestion().empty()) {
+        reason = Stop::QuestionAgain;
+    } else {
+        return;
+    }
+    limit = Deadline(timeToCleanUp);
+    if (isConnected) {
+        client.interrupt();
+    }
+}
+
+void SftpSession::send(const std::string& line) {
+    const SigpipeGuard guard;
+    // The pipe holds more than all commands together. When the client is gone, its end is noticed elsewhere.
+    [[maybe_unused]] const ssize_t written = TEMP_FAILURE_RETRY(write(client.input.get(), line.data(), line.size()));
+}
+
+void SftpSession::waitForWords() {
+    pollfd waiting[] = {{client.ending().get(), POLLIN, 0},
+                        {client.output.get(), POLLIN, 0},
+                        {client.error.get(), POLLIN, 0},
+                        {isTerminalOpen ? terminal.descriptor().get() : -1, POLLIN, 0}};
+    poll(waiting, std::size(waiting), limit.timeLeft(pollSlice));
+}
+
+void SftpSession::readOutput() {
+    const bool isOpen = readAll(client.output, [this](std::string_view bytes) {
+        for (const char character : bytes) {
+            if (character != '\n') {
+                if (outputLine.size() < markerAnswer.size()) {
+                    outputLine += character;
+                }
+                continue;
+            }
+            answersMissing -= outputLine == markerAnswer ? 1 : 0;
+            outputLine.clear();
+        }
+    });
+    if (!isOpen) {
+        client.output.close();
+    }
+}
+
+void SftpSession::readError() {
+    if (!readAll(client.error, [this](std::string_view bytes) { words.add(bytes); })) {
+        client.error.close();
+    }
+}
+
+void SftpSession::readTerminal() {
+    bool isQuestion = false;
+    if (isTerminalOpen) {
+        isTerminalOpen = readAll(terminal.descriptor(),
+                                 [&](std::string_view bytes) { isQuestion = prompt.read(bytes) || isQuestion; });
+    }
+    if (isQuestion) {
+        const std::string answer = settings.password + '\n';
+        [[maybe_unused]] const ssize_t written =
+            TEMP_FAILURE_RETRY(write(terminal.descriptor().get(), answer.data(), answer.size()));
+    }
+}
+
+void SftpSession::leave() {
+    const Deadline end(timeToLeave);
+    client.input.close();
+    while (!client.hasEnded() && !end.hasPassed()) {
+        pollfd waiting{client.ending().get(), POLLIN, 0};
+        poll(&waiting, 1, end.timeLeft(timeToLeave));
+    }
+    client.end();
+}
+
+}  // namespace Tev

@@ -1,0 +1,46 @@
+#ifndef TEV_SFTP_UPLOAD_H
+#define TEV_SFTP_UPLOAD_H
+
+#include <string>
+
+#include "Deadline.h"
+#include "FileDescriptor.h"
+#include "KnownHosts.h"
+#include "RemoteFile.h"
+#include "SftpSession.h"
+#include "TevException.h"
+#include "TransferFailure.h"
+#include "TransferSettings.h"
+
+namespace Tev {
+
+/// One upload: the file goes to a temporary one beside its place, then into its place, so that the old file is replaced
+/// whole or not at all. After a failure the temporary file is removed where the server still answers.
+class SftpUpload {
+public:
+    /// The time-out begins here. Throws TevException for settings that are refused, and for a local file or a
+    /// known-hosts file that cannot be used.
+    explicit SftpUpload(const TransferSettings& settings);
+
+    /// Throws TevException, with a sentence for the operator, when the transfer fails.
+    void run();
+
+private:
+    enum class Removal { Done, NotThere, Failed };
+
+    TevException stopped(const SftpSession& session) const;
+    TevException withRest(const TevException& failure, Removal removal) const;
+    Removal remove(SftpSession& session) const;
+    Removal removeAnew() const;
+
+    Deadline deadline;
+    TransferSettings settings;
+    RemoteFile remote;
+    FileDescriptor local;
+    KnownHosts knownHosts;
+    TransferFailure failure;
+};
+
+}  // namespace Tev
+
+#endif

@@ -1,0 +1,139 @@
+#include "TransferFailure.h"
+
+#include <cstddef>
+
+#include "ClientWords.h"
+
+namespace Tev {
+
+/// A line that holds `words`, and `moreWords` after them, is told in this way. In the sentence, %h is the host, %p the
+/// port, %u the user, %f the remote file, %k the command that forgets a key; %r is the reason at the line's end, after
+/// the last ": ", %n the one after the port, and %l the whole line.
+struct TransferFailure::Row {
+    const char* words;
+    const char* moreWords;
+    TevReturnT code;
+    const char* sentence;
+};
+
+namespace {
+
+std::string afterLast(const std::string& line, const std::string& separator) {
+    const std::size_t found = line.rfind(separator);
+    return found == std::string::npos ? line : line.substr(found + separator.size());
+}
+
+}  // namespace
+
+TransferFailure::TransferFailure(const TransferSettings& checkedSettings, const KnownHosts& knownHostsFile,
+                                 const std::string& path)
+    : settings(checkedSettings), knownHosts(knownHostsFile), remotePath(path) {}
+
+TevException TransferFailure::ofConnection(const std::vector<std::string>& words) const {
+    static const std::vector<Row> rows = {
+        {"Host key for ", " has changed", TevReturnFailure,
+         "the host key of %h has changed; if that is right, forget the old one with: %k"},
+        {"Could not resolve hostname", "", TevReturnFailure, "the host %h is not found: %r"},
+        {"connect to host ", "", TevReturnFailure, "no connection to %h, port %p: %r"},
+        {": Permission denied (", "password", TevReturnFailure,
+         "the server %h does not accept the user %u with this password"},
+        {": Permission denied (", "keyboard-interactive", TevReturnFailure,
+         "the server %h does not accept the user %u with this password"},
+        {": Permission denied (", "", TevReturnFailure,
+         "the server %h does not let the user %u in with a password: %r"},
+        {"Bad SSH2 ", "", TevReturnFailure, "the SFTP client does not know all of the selected algorithms: %r"},
+        {"Unable to negotiate with ", "", TevReturnFailure,
+         "the server %h and the selected algorithms have nothing in common: %n"},
+        {"subsystem request failed", "", TevReturnFailure, "the server %h does not offer SFTP"},
+        {"Received message too long", "", TevReturnFailure,
+         "the server %h does not speak SFTP: the user's login there writes a text of its own"},
+        {"timed out", "", TevReturnFailure, "the server %h, port %p, does not answer: %l"},
+        {"not responding", "", TevReturnFailure, "the server %h, port %p, does not answer: %l"},
+        {"Connection reset by", "", TevReturnFailure, "the server %h, port %p, has ended the connection: %l"},
+        {"Connection closed by", "", TevReturnFailure, "the server %h, port %p, has ended the connection: %l"},
+        {"", "", TevReturnFailure, "no connection to %h, port %p: %l"}};
+    return find(rows, words);
+}
+
+TevException TransferFailure::ofPut(const std::vector<std::string>& words) const {
+    static const std::vector<Row> rows = {
+        {"dest open ", ": No such file or directory", TevReturnNotFound, "the folder of %f is not there on the server"},
+        {"dest open ", ": Permission denied", TevReturnFailure,
+         "the user %u may not write into the folder of %f on the server"},
+        {"dest open ", "", TevReturnFailure, "the server does not create a file beside %f: %r"},
+        {"write remote ", "", TevReturnFailure,
+         "the server does not store the whole file, its disk may be full or a limit reached: %r"},
+        {"fsync", "", TevReturnFailure, "the server does not bring the file to its disk: %r"},
+        {"", "", TevReturnFailure, "the server does not take the file: %l"}};
+    return find(rows, words);
+}
+
+TevException TransferFailure::ofRename(const std::vector<std::string>& words) const {
+    static const std::vector<Row> rows = {
+        {"remote rename ", ": Failure", TevReturnFailure,
+         "the server does not put the file in the place of %f: if that is a folder, end the path with \"/\"; otherwise "
+         "the "
+         "server cannot replace a file"},
+        {"remote rename ", "", TevReturnFailure, "the server does not put the file in the place of %f: %r"},
+        {"", "", TevReturnFailure, "the server does not put the file in the place of %f: %l"}};
+    return find(rows, words);
+}
+
+TevException TransferFailure::ofBrokenConnection(const std::vector<std::string>& words) const {
+    static const std::vector<Row> rows = {
+        {"not responding", "", TevReturnFailure, "the server %h does not answer any more"},
+        {"", "", TevReturnFailure, "the connection to %h broke in the middle of the transfer: %l"}};
+    return find(rows, words);
+}
+
+TevException TransferFailure::find(const std::vector<Row>& rows, const std::vector<std::string>& words) const {
+    for (const Row& row : rows) {
+        for (const std::string& line : words) {
+            const std::size_t found = line.find(row.words);
+            if (found != std::string::npos && line.find(row.moreWords, found) != std::string::npos) {
+                return {row.code, "%s", filled(row.sentence, line).c_str()};
+            }
+        }
+    }
+    return {TevReturnFailure, "%s", filled(rows.back().sentence, "the SFTP client has ended without a word").c_str()};
+}
+
+std::string TransferFailure::filled(const std::string& sentence, const std::string& line) const {
+    std::string result;
+    for (std::size_t i = 0; i < sentence.size(); ++i) {
+        if (sentence[i] != '%') {
+            result += sentence[i];
+            continue;
+        }
+        switch (sentence[++i]) {
+            case 'h':
+                result += settings.host;
+                break;
+            case 'p':
+                result += settings.port.empty() ? "22" : settings.port;
+                break;
+            case 'u':
+                result += printable(settings.user);
+                break;
+            case 'f':
+                result += printable(remotePath);
+                break;
+            case 'k':
+                result += knownHosts.forgetCommand(settings.host, settings.port);
+                break;
+            case 'n':
+                // "… port 22: no matching cipher found. Their offer: …"
+                result +=
+                    afterLast(line, " port " + (settings.port.empty() ? std::string("22") : settings.port) + ": ");
+                break;
+            case 'r':
+                result += afterLast(line, ": ");
+                break;
+            default:
+                result += line;
+        }
+    }
+    return result;
+}
+
+}  // namespace Tev
