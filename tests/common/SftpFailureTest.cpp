@@ -108,7 +108,8 @@ TEST_F(SftpFailureTest, unknownHost) {
     transfer.localFile = local.write("local", "");
     transfer.remotePath = "/x";
     transfer.host = "nowhere.invalid";
-    EXPECT_THAT(transfer.runInChild(enterEmptyNetwork), outcome(-1, StartsWith("the host nowhere.invalid is not found: ")));
+    EXPECT_THAT(transfer.runInChild(enterEmptyNetwork),
+                outcome(-1, StartsWith("the host nowhere.invalid is not found: ")));
 }
 
 TEST_F(SftpFailureTest, unreachableNetwork) {
@@ -127,8 +128,9 @@ TEST_F(SftpFailureTest, silentServerEndsWithTheTimeout) {
     transfer.remotePath = "/x";
     transfer.port = silent.port;
     transfer.timeout = 700;
-    EXPECT_THAT(millisecondsOf([&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 700 ms")); }),
-                AllOf(Ge(700), Lt(1700)));
+    EXPECT_THAT(
+        millisecondsOf([&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 700 ms")); }),
+        AllOf(Ge(700), Lt(1700)));
 }
 
 TEST_F(SftpFailureTest, wrongPasswordIsTriedOnce) {
@@ -166,8 +168,9 @@ TEST_F(SftpFailureTest, serverWithoutPasswords) {
     setting.configuration = {"PasswordAuthentication no", "PubkeyAuthentication yes"};
     const SftpServer server(setting);
     EXPECT_THAT(transferTo(server).run(),
-                outcome(-1, "the server 127.0.0.1 does not let the user tester in with a password: Permission denied "
-                            "(publickey)."));
+                outcome(-1,
+                        "the server 127.0.0.1 does not let the user tester in with a password: Permission denied "
+                        "(publickey)."));
 }
 
 TEST_F(SftpFailureTest, changedHostKeyIsToldWithTheWayToForgetTheOldOneAndGetsNoPassword) {
@@ -182,8 +185,9 @@ TEST_F(SftpFailureTest, changedHostKeyIsToldWithTheWayToForgetTheOldOneAndGetsNo
     const TransferOutcome refused = transfer.run();
     const std::string forget =
         "ssh-keygen -R '[127.0.0.1]:" + first.port() + "' -f '" + (state.path() / "known_hosts").string() + "'";
-    EXPECT_THAT(refused, outcome(-1, "the host key of 127.0.0.1 has changed; if that is right, forget the old one with: " +
-                                         forget));
+    EXPECT_THAT(
+        refused,
+        outcome(-1, "the host key of 127.0.0.1 has changed; if that is right, forget the old one with: " + forget));
     EXPECT_EQ(second.log().find("assword for"), std::string::npos);
     ASSERT_EQ(std::system((forget + " >/dev/null 2>&1").c_str()), 0);
     transfer.remotePath = second.folder() / "remote";
@@ -210,8 +214,9 @@ TEST_F(SftpFailureTest, algorithmThatTheServerDoesNotOffer) {
     const SftpServer server(setting);
     Transfer transfer = transferOver(server);
     transfer.ciphers = "aes128-ctr";
-    EXPECT_THAT(transfer.run(), outcome(-1, "the server 127.0.0.1 and the selected algorithms have nothing in common: no "
-                                            "matching cipher found. Their offer: aes256-ctr"));
+    EXPECT_THAT(transfer.run(), outcome(-1,
+                                        "the server 127.0.0.1 and the selected algorithms have nothing in common: no "
+                                        "matching cipher found. Their offer: aes256-ctr"));
     expectUntouched(server, transfer);
 }
 
@@ -245,8 +250,8 @@ TEST_F(SftpFailureTest, folderThatMayNotBeWritten) {
     transfer.remotePath = folder / "remote";
     putOldFile(transfer);
     ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
-    EXPECT_THAT(transfer.run(),
-                outcome(-1, "the user tester may not write into the folder of " + transfer.remotePath + " on the server"));
+    EXPECT_THAT(transfer.run(), outcome(-1, "the user tester may not write into the folder of " + transfer.remotePath +
+                                                " on the server"));
     EXPECT_TRUE(isOldFileWhole(transfer));
     ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
 }
@@ -273,13 +278,14 @@ TEST_F(SftpFailureTest, fullDisk) {
     setting.fileSizeLimit = 1'000'000;
     const SftpServer server(setting);
     const Transfer transfer = transferOver(server, randomBytes(3'000'000));
-    EXPECT_THAT(transfer.run(),
-                outcome(-1, "the server does not store the whole file, its disk may be full or a limit reached: Failure"));
+    EXPECT_THAT(
+        transfer.run(),
+        outcome(-1, "the server does not store the whole file, its disk may be full or a limit reached: Failure"));
     expectUntouched(server, transfer);
 }
 
-// With several requests in flight the client forgot the failed write when a later one succeeded: it ended with 0, and the
-// file had the right size and a hole.
+// With several requests in flight the client forgot the failed write when a later one succeeded: it ended with 0, and
+// the file had the right size and a hole.
 TEST_F(SftpFailureTest, momentOfFullDiskIsAFailure) {
     SftpServer::Setting setting;
     setting.fileSizeLimit = 1'000'000;
@@ -297,8 +303,9 @@ TEST_F(SftpFailureTest, momentOfFullDiskIsAFailure) {
         });
         server.limitFileSize(RLIM_INFINITY);
     });
-    EXPECT_THAT(transfer.run(),
-                outcome(-1, "the server does not store the whole file, its disk may be full or a limit reached: Failure"));
+    EXPECT_THAT(
+        transfer.run(),
+        outcome(-1, "the server does not store the whole file, its disk may be full or a limit reached: Failure"));
     freeing.join();
     expectUntouched(server, transfer);
 }
@@ -309,7 +316,8 @@ TEST_F(SftpFailureTest, connectionCutInTheMiddleLeavesNothing) {
     Transfer transfer = transferOver(server, randomBytes(large));
     transfer.port = proxy.port();
     proxy.cutAfter(2'000'000);
-    EXPECT_THAT(transfer.run(), outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
+    EXPECT_THAT(transfer.run(),
+                outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
     EXPECT_EQ(proxy.connections(), 2);
     expectUntouched(server, transfer);
 }
@@ -325,7 +333,8 @@ TEST_F(SftpFailureTest, sessionThatTheServerEndsInTheMiddleLeavesNothing) {
         server.cutSessions();
         proxy.resume();
     });
-    EXPECT_THAT(transfer.run(), outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
+    EXPECT_THAT(transfer.run(),
+                outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
     cutting.join();
     expectUntouched(server, transfer);
 }
@@ -346,8 +355,8 @@ TEST_F(SftpFailureTest, temporaryFileThatCannotBeRemovedIsNamed) {
     EXPECT_EQ(result.code, -1);
     EXPECT_TRUE(isOldFileWhole(transfer));
     ASSERT_EQ(server.names().size(), 2U);
-    EXPECT_THAT(result.sentence,
-                testing::EndsWith("; " + (server.folder() / server.names()[0]).string() + " may be left on the server"));
+    EXPECT_THAT(result.sentence, testing::EndsWith("; " + (server.folder() / server.names()[0]).string() +
+                                                   " may be left on the server"));
 }
 
 TEST_F(SftpFailureTest, serverStoppedInTheMiddleEndsWithTheTimeout) {
@@ -362,8 +371,9 @@ TEST_F(SftpFailureTest, serverStoppedInTheMiddleEndsWithTheTimeout) {
         server.pause();
     });
     EXPECT_THAT(millisecondsOf([&] {
-                    EXPECT_THAT(transfer.run(), outcome(-1, MatchesRegex("the transfer was not over after 2500 ms; "
-                                                                         ".*/files/\\.tev-.* may be left on the server")));
+                    EXPECT_THAT(transfer.run(),
+                                outcome(-1, MatchesRegex("the transfer was not over after 2500 ms; "
+                                                         ".*/files/\\.tev-.* may be left on the server")));
                 }),
                 AllOf(Ge(2500), Lt(3500)));
     stopping.join();
@@ -378,8 +388,9 @@ TEST_F(SftpFailureTest, slowTransferEndsWithTheTimeoutAndLeavesNothing) {
     transfer.port = proxy.port();
     transfer.timeout = 2500;
     proxy.slowDownTo(2'000'000);
-    EXPECT_THAT(millisecondsOf([&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 2500 ms")); }),
-                AllOf(Ge(2500), Lt(3500)));
+    EXPECT_THAT(
+        millisecondsOf([&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 2500 ms")); }),
+        AllOf(Ge(2500), Lt(3500)));
     EXPECT_GT(proxy.bytes(), 100'000U);
     expectUntouched(server, transfer);
 }
@@ -537,9 +548,11 @@ TEST_F(SftpClientTest, questionAfterThePasswordIsToldAndNotAnswered) {
         "exec 5<>/dev/tty\n"
         "printf '\\rPassword: ' >&5; read -r answer <&5\n"
         "printf '\\nYour password has expired. New password: ' >&5; read -r answer <&5\n"
-        "echo \"$answer\" >" + (local.path() / "answer").string());
-    EXPECT_THAT(result, outcome(-1, "the server 127.0.0.1 refuses the password, or wants more than that; it asks: \"Your "
-                                    "password has expired. New password: \""));
+        "echo \"$answer\" >" +
+        (local.path() / "answer").string());
+    EXPECT_THAT(result, outcome(-1,
+                                "the server 127.0.0.1 refuses the password, or wants more than that; it asks: \"Your "
+                                "password has expired. New password: \""));
     EXPECT_FALSE(std::filesystem::exists(local.path() / "answer"));
 }
 
@@ -557,7 +570,8 @@ TEST_F(SftpClientTest, wordsWithoutEndAreBorne) {
 }
 
 TEST_F(SftpClientTest, controlCharactersOfTheServerAreNotShown) {
-    EXPECT_THAT(runWith("printf 'a\\033[2J\\007b\\n' >&2\n"), outcome(-1, "no connection to 127.0.0.1, port 22: a?[2J?b"));
+    EXPECT_THAT(runWith("printf 'a\\033[2J\\007b\\n' >&2\n"),
+                outcome(-1, "no connection to 127.0.0.1, port 22: a?[2J?b"));
 }
 
 }  // namespace

@@ -214,8 +214,9 @@ TEST_F(SftpHostTest, usersOwnConfigurationOfTheClientIsNotRead) {
 
 TEST_F(SftpHostTest, userWithoutAnAccountIsTold) {
     const SftpServer server;
-    EXPECT_EQ(transferTo(server).runInChild([] { enterOwnMounts(54399); }),
-              (TransferOutcome{-1, "no connection to 127.0.0.1, port " + server.port() + ": No user exists for uid 54399"}));
+    EXPECT_EQ(
+        transferTo(server).runInChild([] { enterOwnMounts(54399); }),
+        (TransferOutcome{-1, "no connection to 127.0.0.1, port " + server.port() + ": No user exists for uid 54399"}));
 }
 
 TEST_F(SftpHostTest, hostThatIsKilledLeavesNoClient) {

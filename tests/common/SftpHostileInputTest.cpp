@@ -126,8 +126,8 @@ TEST_F(SftpHostileInputTest, localNameThatWouldGetIntoTheCommand) {
 }
 
 TEST_F(SftpHostileInputTest, listsThatAreMoreThanNames) {
-    const std::vector<std::string> lists = {"-foo",       "+foo",  "^foo",         "a, b", ",",          "a,", ",a", "a,,b",
-                                            "a -oFoo=x", "a,-b", "aes*,!x", "a\nb",  "$(id)", "a\0b"s};
+    const std::vector<std::string> lists = {"-foo", "+foo",      "^foo", "a, b",    ",",    "a,",    ",a",
+                                            "a,,b", "a -oFoo=x", "a,-b", "aes*,!x", "a\nb", "$(id)", "a\0b"s};
     expectRefused(&Transfer::ciphers, lists, "the list of ciphers is not one of names separated by commas");
     expectRefused(&Transfer::keyExchanges, lists, "the list of key exchanges is not one of names separated by commas");
     expectRefused(&Transfer::macs, lists, "the list of MACs is not one of names separated by commas");
@@ -161,7 +161,8 @@ TEST_F(SftpHostileInputTest, knownHostsFileThatCannotBeWrittenIsNotGoneWithout) 
     const std::string file = state.write("file", "");
     const TevTest::EnvironmentVariable folder("TEV_STATE_DIR", file);
     EXPECT_EQ(transferTo(server).run(),
-              (TransferOutcome{-1, file + "/known_hosts, where host keys are remembered, cannot be written: Not a directory"}));
+              (TransferOutcome{
+                  -1, file + "/known_hosts, where host keys are remembered, cannot be written: Not a directory"}));
 }
 
 TEST_F(SftpHostileInputTest, scopedAddressIsTheClients) {
