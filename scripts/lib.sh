@@ -12,8 +12,11 @@ server_packages=(libnss-wrapper openssh-server)
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
-    else
+    elif command -v sudo >/dev/null; then
         sudo "$@"
+    else
+        echo "error: this needs root or sudo, and there is neither: $*" >&2
+        exit 1
     fi
 }
 

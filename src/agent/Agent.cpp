@@ -1,5 +1,8 @@
 #include "Agent.h"
 
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "Failure.h"
@@ -17,6 +20,9 @@ namespace {
 /// Where Schema instances stand when there are no managed objects to tell.
 constexpr const char* usualSchemaParent = "ManagedElement=1,SystemFunctions=1,SysM=1";
 
+/// What transfers may take where the configuration does not tell.
+constexpr std::chrono::milliseconds usualTimeout(180000);
+
 std::vector<Model> readModels(const std::string& folder) {
     if (folder.empty()) {
         return {};
@@ -28,13 +34,24 @@ std::vector<Model> readModels(const std::string& folder) {
     return std::move(content).models();
 }
 
-/// Components make do with their defaults when their configuration cannot be read; the operator has to know.
-void tryConfiguration(const std::string& file) {
+/// The time-out of transfers, as the component takes it from its configuration. Components make do with their defaults
+/// when the configuration cannot be read; the operator has to know.
+std::chrono::milliseconds readTimeout(const std::string& file) {
+    std::string text;
     try {
-        Tev::TevConfiguration().load(file);
+        Tev::TevConfiguration configuration;
+        if (!file.empty()) {
+            configuration.load(file);
+            const auto components = configuration.getElementsByTagName("TevSchemaMoService");
+            const auto* const only = dynamic_cast<const Poco::XML::Element*>(components->item(0));
+            text = components->length() == 1
+                       ? Tev::TevConfiguration::getElementValue(configuration, only, "sftpTimeout")
+                       : "";
+        }
     } catch (const Tev::TevException& e) {
         Diagnostics::say(std::string(e.what()) + "; the defaults are used");
     }
+    return text.empty() ? usualTimeout : std::chrono::milliseconds(std::atol(text.c_str()));
 }
 
 std::vector<Route> routesOf(const ObjectStore& store) {
@@ -49,14 +66,12 @@ Agent::Agent(const Inputs& agentInputs) : inputs(agentInputs) {
     try {
         repository = std::make_unique<ModelRepository>(readModels(inputs.models));
         if (!inputs.objects.empty()) {
-            store = ObjectStore::load(inputs.objects);
+            store = ObjectStore::load(inputs.objects, {SchemaClass::route()});
         }
     } catch (const Tev::TevException& e) {
         throw Failure(ExitStatus::NotStarted, e.what());
     }
-    if (!inputs.configuration.empty()) {
-        tryConfiguration(inputs.configuration);
-    }
+    timeout = readTimeout(inputs.configuration);
     routerService = std::make_unique<Router>(store, portal, transactionService, routesOf(store));
     portal.offer(TransactionService::table()->base);
     portal.offer(ThreadContext::table()->base);
@@ -75,19 +90,16 @@ Agent::~Agent() {
 }
 
 ComponentLibrary& Agent::open(const std::string& path) {
-    return *libraries.emplace_back(std::make_unique<ComponentLibrary>(path));
+    return *libraries.emplace_back(std::make_unique<ComponentLibrary>(path, portal));
 }
 
 std::string Agent::initialize(ComponentLibrary& library) {
-    const std::size_t before = portal.registered().size();
-    library.initialize(PortalService::accessor(),
-                       inputs.configuration.empty() ? nullptr : inputs.configuration.c_str());
-    const auto registered = portal.registered();
-    if (registered.size() <= before) {
+    library.initialize(inputs.configuration.empty() ? nullptr : inputs.configuration.c_str());
+    if (library.components().empty()) {
         throw Failure(ExitStatus::NotStarted,
                       "cannot use component library " + library.path() + ": it registered no component");
     }
-    return registered[before]->name();
+    return library.components().front()->name();
 }
 
 void Agent::start() {
@@ -110,6 +122,13 @@ std::string Agent::schemaParent() const {
 
 std::string Agent::schemaDn(const std::string& schemaId) const {
     return schemaParent() + "," + SchemaClass::name + "=" + schemaId;
+}
+
+std::optional<std::uintmax_t> Agent::modelSize(const std::string& schemaId) const {
+    const Model* const model = repository->firstNamed(schemaId);
+    std::error_code error;
+    const std::uintmax_t size = model == nullptr ? 0 : std::filesystem::file_size(model->file, error);
+    return model == nullptr || error ? std::nullopt : std::optional(size);
 }
 
 }  // namespace TevAgent

@@ -1,7 +1,10 @@
 #ifndef TEV_AGENT_AGENT_H
 #define TEV_AGENT_AGENT_H
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -55,8 +58,15 @@ public:
     /// The DN of the Schema instance of that id.
     std::string schemaDn(const std::string& schemaId) const;
 
+    /// The bytes of the file of the model that the Schema instance of that id shows; nothing when there is none.
+    std::optional<std::uintmax_t> modelSize(const std::string& schemaId) const;
+
+    /// How long one transfer may take, as the component's configuration says; 0 or less for no limit.
+    std::chrono::milliseconds transferTimeout() const { return timeout; }
+
 private:
     const Inputs inputs;
+    std::chrono::milliseconds timeout{};
     ObjectStore store;
     std::unique_ptr<ModelRepository> repository;
     PortalService portal;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Diagnostics.h"
+#include "ReturnCode.h"
 #include "TevReturnT.h"
 
 namespace TevAgent {
@@ -30,7 +31,8 @@ public:
         return call(component, operation, [&] {
             const TevReturnT code = function();
             if (code != TevReturnOk) {
-                Diagnostics::say("component " + component + " returned " + std::to_string(code) + " from " + operation);
+                Diagnostics::say("component " + component + " returned " + ReturnCode::text(code) + " from " +
+                                 operation);
             }
             return code;
         });

@@ -5,9 +5,11 @@
 #include <set>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 #include "Failure.h"
 #include "LoggingWrapper.h"
+#include "RouteTable.h"
 #include "SchemaClass.h"
 
 namespace TevAgent {
@@ -77,12 +79,35 @@ CLI::App* addCommand(CLI::App& app, Settings& settings, const char* name, Settin
     return added;
 }
 
+void addExport(CLI::App& app, Settings& settings) {
+    CLI::App* const added =
+        addCommand(app, settings, "export", Settings::Command::Export, "Uploads the file of a model, or of every one");
+    added->add_option("DN|SCHEMA-ID", settings.target, "The DN of an object, or a schema id; absent with --all");
+    added->add_option("SFTP-URI", settings.uri,
+                      "Where to: sftp://USER@HOST[:PORT]/PATH; a path that ends in / names a folder");
+    CLI::Option* const all =
+        added->add_flag("--all", settings.isEveryModel, "Every model, into the folder that the URI names");
+    added->add_option("--jobs", settings.jobs, "How many models at a time; the default is 4")
+        ->type_name("N")
+        ->check(CLI::Range(1, 64).description(""))
+        ->needs(all);
+    CLI::Option* const fromInput = added->add_flag("--password-stdin", settings.isPasswordFromInput,
+                                                   "Read the password from the first line of standard input");
+    added
+        ->add_option("--password-file", settings.passwordFile,
+                     "Read it from the first line of a file; without either it is asked for on the terminal")
+        ->type_name("FILE")
+        ->check(notEmpty)
+        ->excludes(fromInput);
+}
+
 void addCommands(CLI::App& app, Settings& settings) {
     addCommand(app, settings, "list", Settings::Command::List, "Every Schema instance with its attributes");
     CLI::App* const get = addCommand(app, settings, "get", Settings::Command::Get, "One instance");
     get->add_option("DN|SCHEMA-ID", settings.target, "The DN of any object, or a schema id")->required();
     get->add_option("ATTRIBUTE", settings.attributes,
                     "What to show; all attributes when absent, which goes for Schema instances only");
+    addExport(app, settings);
     CLI::App* const check =
         addCommand(app, settings, "check", Settings::Command::Check, "Tries a component against its contract");
     check->add_option("FILE.so", settings.checkedLibrary, "The component; the one that is loaded when absent")
@@ -118,6 +143,16 @@ std::string misuse(const CLI::ArgumentMismatch& error) {
     return what.substr(0, what.find(':')) + (isMissing ? " stands without its value" : " stands more than once");
 }
 
+/// What helps with an argument that was taken for an option but may have been meant otherwise.
+std::string hintFor(int argumentCount, const char* const* arguments) {
+    for (int i = 1; i < argumentCount && arguments[i] != std::string("--"); ++i) {
+        if (arguments[i][0] == '-' && arguments[i][1] != '-') {
+            return "; what begins with - but is no option stands behind --";
+        }
+    }
+    return "";
+}
+
 void verifyAttributes(const Settings& settings) {
     std::set<std::string> names;
     for (const std::string& name : settings.attributes) {
@@ -130,12 +165,37 @@ void verifyAttributes(const Settings& settings) {
     }
 }
 
+/// Other classes than Schema are served without models.
+bool needsModels(const Settings& settings) {
+    const bool isOther = settings.hasDn() && RouteTable({SchemaClass::route()}).ofDn(settings.target) == nullptr;
+    return settings.command != Settings::Command::Check && !isOther;
+}
+
+/// With --all the one argument is the URI, of a folder.
+void arrangeExport(Settings& settings) {
+    if (settings.isEveryModel) {
+        if (!settings.uri.empty()) {
+            refuse("with --all no model is named, so " + settings.target + " is one too many");
+        }
+        settings.uri = std::exchange(settings.target, "");
+    }
+    if (settings.uri.empty()) {
+        refuse(settings.target.empty() && !settings.isEveryModel ? "DN|SCHEMA-ID is required" : "SFTP-URI is required");
+    }
+    // The path would end there, unseen.
+    if (settings.uri.find_first_of("?#") != std::string::npos) {
+        refuse("the URI has a query or a fragment; write %3F for ? and %23 for #");
+    }
+    if (settings.isEveryModel && settings.uri.back() != '/') {
+        settings.uri += '/';
+    }
+}
+
 void verify(const Settings& settings) {
     if (settings.command == Settings::Command::Get) {
         verifyAttributes(settings);
     }
-    const bool needsModels = settings.command != Settings::Command::Check;
-    if (needsModels && settings.models.empty()) {
+    if (needsModels(settings) && settings.models.empty()) {
         refuse("neither --node nor --models says where the models are");
     }
     const std::string name = std::filesystem::path(settings.configuration).filename();
@@ -168,7 +228,8 @@ Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
     } catch (const CLI::ArgumentMismatch& e) {
         refuse(misuse(e));
     } catch (const CLI::ParseError& e) {
-        refuse(e.what());
+        refuse(e.what() +
+               (app.got_subcommand("get") || app.got_subcommand("export") ? hintFor(argumentCount, arguments) : ""));
     }
     if (app.get_subcommands().empty()) {
         refuse("no command is given");
@@ -178,6 +239,9 @@ Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
         applyNode(words.node, settings);
     }
     settings.output = words.output == json ? Settings::Output::Json : Settings::Output::Table;
+    if (settings.command == Settings::Command::Export) {
+        arrangeExport(settings);
+    }
     verify(settings);
     return settings;
 }

@@ -1,14 +1,18 @@
 #include "Commands.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <system_error>
 
 #include "ComponentCheck.h"
 #include "Diagnostics.h"
 #include "Failure.h"
+#include "Interruption.h"
 #include "JsonText.h"
 #include "Operation.h"
+#include "Password.h"
 #include "SchemaClass.h"
 #include "TableText.h"
 
@@ -36,14 +40,33 @@ void initialize(Agent& agent, const std::vector<std::string>& libraries) {
     }
 }
 
-void sayRepeated(const std::set<std::string>& keys) {
-    std::string names;
-    for (const std::string& key : keys) {
-        names += (names.empty() ? "" : ", ") + key;
+/// Which version of its model an instance shows, as a sentence names it.
+std::string versionOf(const Instance& instance) {
+    for (const Instance::Attribute& attribute : instance.attributes) {
+        if (attribute.name == "version" && !attribute.values.empty() && !attribute.values.front().empty()) {
+            return attribute.values.front();
+        }
     }
-    if (!names.empty()) {
-        Diagnostics::say("there are several versions of " + names + "; the values are those of the first version");
+    return "the one without a version";
+}
+
+/// Says which models have several versions, and which one is shown, where the instance could be read.
+void sayRepeated(const std::set<std::string>& repeated, const std::map<std::string, std::string>& versions) {
+    std::string models;
+    for (const std::string& key : repeated) {
+        const std::string& version = versions.at(key);
+        models += (models.empty() ? "" : ", ") + key + (version.empty() ? "" : " (shown: " + version + ")");
     }
+    if (!models.empty()) {
+        Diagnostics::say("there are several versions of " + models);
+    }
+}
+
+Password passwordFrom(const Settings& settings) {
+    if (settings.isPasswordFromInput) {
+        return Password::fromInput();
+    }
+    return settings.passwordFile.empty() ? Password::ask() : Password::fromFile(settings.passwordFile);
 }
 
 }  // namespace
@@ -58,22 +81,30 @@ ExitStatus Commands::run() {
     }
     initialize(agent, librariesOf(settings));
     agent.start();
-    return settings.command == Settings::Command::List ? list(agent) : get(agent);
+    switch (settings.command) {
+        case Settings::Command::List:
+            return list(agent);
+        case Settings::Command::Get:
+            return get(agent);
+        default:
+            return exportModels(agent);
+    }
 }
 
 ExitStatus Commands::list(Agent& agent) {
     ExitStatus status = ExitStatus::Done;
     std::vector<Instance> instances;
-    std::set<std::string> seen;
+    std::map<std::string, std::string> versions;  // shown, by schema id
     std::set<std::string> repeated;
     Operation operation(agent);
     for (const std::string& key : operation.reader().keys(agent.schemaParent(), SchemaClass::name)) {
-        if (!seen.insert(key).second) {
+        if (!versions.emplace(key, "").second) {
             repeated.insert(key);
             continue;
         }
         try {
             instances.push_back(operation.reader().read(agent.schemaDn(key), SchemaClass::attributes()));
+            versions[key] = versionOf(instances.back());
         } catch (const Failure& e) {
             // One instance that cannot be read does not hide the others.
             Diagnostics::say(e.what());
@@ -81,7 +112,7 @@ ExitStatus Commands::list(Agent& agent) {
         }
     }
     operation.commit();
-    sayRepeated(repeated);
+    sayRepeated(repeated, versions);
     write(SchemaClass::attributes(), instances);
     return status;
 }
@@ -95,6 +126,56 @@ ExitStatus Commands::get(Agent& agent) {
     operation.commit();
     write(attributes, {instance});
     return ExitStatus::Done;
+}
+
+ExitStatus Commands::exportModels(Agent& agent) {
+    const std::vector<ExportRun::Export> wanted = wantedExports(agent);
+    const Password password = passwordFrom(settings);
+    const bool isTable = settings.output == Settings::Output::Table;
+    const auto tell = [&](const ExportResult& result) {
+        if (settings.isEveryModel) {
+            output.write(isTable ? TableText::of(result) : "");
+        } else if (result.isExported) {
+            Diagnostics::say(result.message);
+        }
+    };
+    const std::vector<ExportResult> results = ExportRun(agent, settings.uri, password).run(wanted, settings.jobs, tell);
+    const auto isExported = [](const ExportResult& result) { return result.isExported; };
+    const bool isDone = results.size() == wanted.size() && std::all_of(results.begin(), results.end(), isExported);
+    if (settings.isEveryModel) {
+        output.write(isTable ? "" : JsonText::of(results));
+    }
+    if (!isDone && !settings.isEveryModel && !results.empty()) {
+        Diagnostics::say("cannot export " + results.front().model + ": " + results.front().message);
+    }
+    if (!isDone) {
+        Interruption::check();
+    }
+    return isDone ? ExitStatus::Done : ExitStatus::OperationFailed;
+}
+
+std::vector<ExportRun::Export> Commands::wantedExports(Agent& agent) const {
+    std::vector<ExportRun::Export> wanted;
+    Operation operation(agent);
+    if (settings.isEveryModel) {
+        std::set<std::string> seen;
+        for (const std::string& key : operation.reader().keys(agent.schemaParent(), SchemaClass::name)) {
+            if (seen.insert(key).second) {
+                wanted.push_back({key, agent.schemaDn(key), agent.modelSize(key)});
+            }
+        }
+    } else {
+        const std::string dn = settings.hasDn() ? settings.target : agent.schemaDn(settings.target);
+        const bool isSchema = SchemaClass::isClassOf(dn);
+        const std::string id = dn.substr(dn.rfind('=') + 1);
+        if (isSchema) {
+            // Nobody is asked for a password in vain.
+            operation.reader().read(dn, {SchemaClass::attributes().front()});
+        }
+        wanted.push_back({settings.target, dn, isSchema ? agent.modelSize(id) : std::nullopt});
+    }
+    operation.commit();
+    return wanted;
 }
 
 ExitStatus Commands::check(Agent& agent) {

@@ -6,6 +6,7 @@
 
 #include "Agent.h"
 #include "ExitStatus.h"
+#include "ExportRun.h"
 #include "Instance.h"
 #include "Settings.h"
 #include "StandardOutput.h"
@@ -25,6 +26,8 @@ public:
 private:
     ExitStatus list(Agent& agent);
     ExitStatus get(Agent& agent);
+    ExitStatus exportModels(Agent& agent);
+    std::vector<ExportRun::Export> wantedExports(Agent& agent) const;
     ExitStatus check(Agent& agent);
     void write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances);
 

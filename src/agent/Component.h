@@ -15,7 +15,7 @@ public:
     explicit Component(DalMgmtSpiComponent_2& componentTable);
 
     const std::string& name() const { return componentName; }
-    const DalMgmtSpiComponent_2& table() const { return descriptor; }
+    DalMgmtSpiComponent_2& table() const { return descriptor; }
 
     /// The tables that the component offers, owned by the component.
     std::vector<DalMgmtSpiInterface_1*> offers() const;

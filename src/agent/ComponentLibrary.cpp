@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <type_traits>
@@ -63,8 +64,9 @@ ComponentLibrary::Handle::~Handle() {
     });
 }
 
-ComponentLibrary::ComponentLibrary(const std::string& libraryPath)
-    : file(absolutePath(libraryPath)),
+ComponentLibrary::ComponentLibrary(const std::string& libraryPath, PortalService& portalService)
+    : portal(portalService),
+      file(absolutePath(libraryPath)),
       name(std::filesystem::path(file).filename()),
       handle(open(file, name), name),
       init(function<Init>("dalLCMinit")),
@@ -77,13 +79,25 @@ ComponentLibrary::~ComponentLibrary() {
             return TevReturnOk;
         });
     }
+    for (const std::shared_ptr<Component>& component : registered) {
+        if (portal.unregisterComponent(&component->table()) == TevReturnOk) {
+            Diagnostics::say("component library " + file + " left component " + component->name() + " registered");
+        }
+    }
 }
 
-void ComponentLibrary::initialize(DalPortalAccessor* accessor, const char* configuration) {
+void ComponentLibrary::initialize(const char* configuration) {
+    const auto before = portal.registered();
     Diagnostics::Capture capture;
-    const TevReturnT code = Barrier::call(name, "dalLCMinit", [&] { return init(accessor, configuration); });
+    const TevReturnT code =
+        Barrier::call(name, "dalLCMinit", [&] { return init(PortalService::accessor(), configuration); });
+    for (const std::shared_ptr<Component>& component : portal.registered()) {
+        if (std::find(before.begin(), before.end(), component) == before.end()) {
+            registered.push_back(component);
+        }
+    }
     if (code != TevReturnOk) {
-        refuse(file, capture.takeOr("dalLCMinit returned " + std::to_string(code)));
+        refuse(file, capture.takeOr("dalLCMinit returned " + ReturnCode::text(code)));
     }
     isInitialized = true;
 }

@@ -2,10 +2,10 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <exception>
 #include <string_view>
 
+#include "Descriptor.h"
 #include "Text.h"
 
 namespace TevAgent {
@@ -16,14 +16,7 @@ thread_local Diagnostics::Capture* innermost = nullptr;
 
 /// What cannot be written to standard error has no other place to go.
 void writeToStandardError(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = write(STDERR_FILENO, text.data(), text.size());
-        if (count >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return;
-        }
-    }
+    static_cast<void>(Descriptor::write(STDERR_FILENO, text));
 }
 
 }  // namespace

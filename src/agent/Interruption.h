@@ -15,12 +15,20 @@ public:
 /// The operator's wish to end a command early. Process-wide.
 class Interruption {
 public:
-    /// From now on the first SIGINT is only noted, so that the command can end in good order; a second one ends the
-    /// process at once. Nothing changes where SIGINT is ignored. To be called before other threads are there.
+    /// From now on the first SIGINT or SIGTERM is only noted, and ends the transfers that are under way, so that the
+    /// command can end in good order; a second one ends the process at once. Nothing changes for a signal that is
+    /// ignored. To be called before other threads are there.
     static void watch();
 
-    /// Throws `Interrupted` once a SIGINT was noted. Called between the steps of a command; any thread.
+    /// Whether a signal was noted. Any thread.
+    static bool isRequested();
+
+    /// Throws `Interrupted` once a signal was noted. Called between the steps of a command; any thread.
     static void check();
+
+    /// Returns once `descriptor` can be read, or is at its end; throws `Interrupted` as soon as a signal is noted. For
+    /// the only thread of the process.
+    static void waitForInput(int descriptor);
 };
 
 }  // namespace TevAgent

@@ -12,6 +12,9 @@ namespace TevAgent {
 
 namespace {
 
+/// Characters beyond ASCII are escaped, so that none of them can change how a terminal shows the others.
+constexpr int options = Poco::JSON_PRESERVE_KEY_ORDER | Poco::JSON_ESCAPE_UNICODE;
+
 /// Whether an attribute is a list is a matter of its class, not of how many values it holds today.
 bool isList(const Instance& instance, const std::string& attribute) {
     return attribute == SchemaClass::listAttribute || !SchemaClass::isClassOf(instance.dn);
@@ -57,7 +60,7 @@ private:
 std::string JsonText::of(const std::vector<Instance>& instances) {
     Document document("schemas");
     for (const Instance& instance : instances) {
-        Poco::JSON::Object schema(Poco::JSON_PRESERVE_KEY_ORDER);
+        Poco::JSON::Object schema(options);
         for (const Instance::Attribute& attribute : instance.attributes) {
             schema.set(Utf8::repaired(attribute.name), valueOf(instance, attribute));
         }
@@ -69,11 +72,23 @@ std::string JsonText::of(const std::vector<Instance>& instances) {
 std::string JsonText::of(const std::vector<CheckResult>& results) {
     Document document("checks");
     for (const CheckResult& result : results) {
-        Poco::JSON::Object check(Poco::JSON_PRESERVE_KEY_ORDER);
+        Poco::JSON::Object check(options);
         check.set("item", result.item);
         check.set("passed", result.isPassed);
         check.set("remark", Utf8::repaired(result.remark));
         document.add(check);
+    }
+    return document.end();
+}
+
+std::string JsonText::of(const std::vector<ExportResult>& results) {
+    Document document("exports");
+    for (const ExportResult& result : results) {
+        Poco::JSON::Object exported(options);
+        exported.set("model", Utf8::repaired(result.model));
+        exported.set("exported", result.isExported);
+        exported.set("message", Utf8::repaired(result.message));
+        document.add(exported);
     }
     return document.end();
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "CheckResult.h"
+#include "ExportResult.h"
 #include "Instance.h"
 
 namespace TevAgent {
@@ -20,6 +21,9 @@ public:
 
     /// An object with one array, "checks", that holds an object for each result: "item", "passed" and "remark".
     static std::string of(const std::vector<CheckResult>& results);
+
+    /// An object with one array, "exports", that holds an object for each result: "model", "exported" and "message".
+    static std::string of(const std::vector<ExportResult>& results);
 };
 
 }  // namespace TevAgent

@@ -93,12 +93,8 @@ std::vector<Model> ModelFolder::models() && {
     return std::move(modelList);
 }
 
-const std::vector<Problem>& ModelFolder::problems() const& {
+const std::vector<Problem>& ModelFolder::problems() const {
     return problemList;
-}
-
-std::vector<Problem> ModelFolder::problems() && {
-    return std::move(problemList);
 }
 
 std::uint64_t ModelFolder::bytesRead() const {

@@ -29,8 +29,7 @@ public:
     std::vector<Model> models() &&;
 
     /// Why which files were left out, in the order of their paths.
-    const std::vector<Problem>& problems() const&;
-    std::vector<Problem> problems() &&;
+    const std::vector<Problem>& problems() const;
 
     /// How many bytes of the files were read.
     std::uint64_t bytesRead() const;

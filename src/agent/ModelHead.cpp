@@ -1,7 +1,5 @@
 #include "ModelHead.h"
 
-#include <algorithm>
-
 #include "FileError.h"
 #include "Text.h"
 
@@ -88,18 +86,17 @@ void ModelHead::startChild(const std::string& name, const XmlAttributes& attribu
 
 void ModelHead::addProperty(const XmlAttributes& attributes) {
     const std::string key = required(attributes, "property", "key");
-    const std::string value = required(attributes, "property", "value");
-    if (!head.domains[domain].emplace(key, value).second) {
+    if (attributes.count("value") == 0) {
+        fail("<property> has no value");
+    }
+    const std::optional<std::string> value = optional(attributes, "value");
+    if (value && !head.domains[domain].emplace(key, *value).second) {
         fail("the domain " + Text::quoted(domain) + " has the property " + Text::quoted(key) + " twice");
     }
 }
 
 void ModelHead::addFeature(const XmlAttributes& attributes) {
-    const std::string name = required(attributes, "feature", "name");
-    if (std::find(head.features.begin(), head.features.end(), name) != head.features.end()) {
-        fail("the feature " + Text::quoted(name) + " is there twice");
-    }
-    head.features.push_back(name);
+    head.features.push_back(required(attributes, "feature", "name"));
 }
 
 void ModelHead::completeAt(std::uint64_t end) {

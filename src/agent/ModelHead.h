@@ -20,10 +20,10 @@ namespace TevAgent {
 ///       <feature name="IpSec"/>
 ///       ...
 ///
-/// Only the model's `name` must be there; an empty `version`, `release` or `correction` counts as absent. Further
-/// attributes are passed over. Refused are: texts with control characters, a name that cannot stand in a DN, names,
-/// keys and values that are missing or empty, a key that one domain has twice, a feature named twice, and elements or
-/// text where none belong. Used by one thread at a time.
+/// Only the model's `name` must be there; an empty `version`, `release`, `correction` or property value counts as
+/// absent. Further attributes are passed over; a feature named twice is listed twice. Refused are: texts with control
+/// characters, a name that cannot stand in a DN, names and keys that are missing or empty, a property without a value,
+/// a key to which one domain gives two values, and elements or text where none belong. Used by one thread at a time.
 class ModelHead : private XmlParser {
 public:
     /// The largest head, counted from the file's first byte.

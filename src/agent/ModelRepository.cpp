@@ -1,5 +1,6 @@
 #include "ModelRepository.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
@@ -228,6 +229,12 @@ ModelRepository::ModelRepository(std::vector<Model> modelList) : models(std::mov
 
 ModelRepository::~ModelRepository() {
     current = nullptr;
+}
+
+const Model* ModelRepository::firstNamed(std::string_view name) const {
+    const auto found =
+        std::find_if(models.begin(), models.end(), [name](const Model& model) { return model.name == name; });
+    return found == models.end() ? nullptr : &*found;
 }
 
 DalMgmtSpiInterface_1* ModelRepository::repositoryTable() {

@@ -32,6 +32,9 @@ public:
     ModelRepository(const ModelRepository&) = delete;
     ModelRepository& operator=(const ModelRepository&) = delete;
 
+    /// The first model of that name, or null.
+    const Model* firstNamed(std::string_view name) const;
+
     /// The leading descriptor of a `DalOamSpiModelRepository_4`. The table lives as long as the process.
     DalMgmtSpiInterface_1* repositoryTable();
 

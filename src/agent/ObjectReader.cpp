@@ -6,6 +6,7 @@
 #include "Diagnostics.h"
 #include "Failure.h"
 #include "Interruption.h"
+#include "ReturnCode.h"
 #include "ValueText.h"
 
 namespace TevAgent {
@@ -16,9 +17,10 @@ namespace {
     throw Failure(ExitStatus::OperationFailed, sentence);
 }
 
-/// The sentence with its reason: what was said meanwhile, or the code of the class's owner.
-[[noreturn]] void fail(const std::string& sentence, Diagnostics::Capture& capture, TevReturnT code) {
-    fail(sentence + ": " + capture.takeOr("the owner of the class returned " + std::to_string(code)));
+/// The sentence with its reason: what was said meanwhile, or the code that `owner` returned.
+[[noreturn]] void fail(const std::string& sentence, Diagnostics::Capture& capture, const std::string& owner,
+                       TevReturnT code) {
+    fail(sentence + ": " + capture.takeOr(owner + " returned " + ReturnCode::text(code)));
 }
 
 }  // namespace
@@ -43,7 +45,7 @@ std::vector<std::string> ObjectReader::keys(const std::string& parentDn, const s
             found.emplace_back(key);
         }
     }
-    fail(sentence, capture, code);
+    fail(sentence, capture, router.ownerOf(parentDn, className), code);
 }
 
 Instance ObjectReader::read(const std::string& dn, const std::vector<std::string>& attributeNames) const {
@@ -68,7 +70,7 @@ std::vector<std::string> ObjectReader::readAttribute(const std::string& dn, cons
         }
     }
     if (!capture.isEmpty()) {
-        fail(sentence, capture, code);
+        fail(sentence, capture, router.ownerOf(dn), code);
     }
     if (!exists(dn)) {
         fail("there is no " + dn);
@@ -76,7 +78,7 @@ std::vector<std::string> ObjectReader::readAttribute(const std::string& dn, cons
     if (code == TevReturnNotFound) {
         fail(dn + " has no attribute " + name);
     }
-    fail(sentence, capture, code);
+    fail(sentence, capture, router.ownerOf(dn), code);
 }
 
 bool ObjectReader::exists(const std::string& dn) const {

@@ -56,9 +56,9 @@ std::optional<std::string> firstBelow(const ManagedObject& object, const std::st
 
 }  // namespace
 
-ObjectStore ObjectStore::load(const std::string& path) {
+ObjectStore ObjectStore::load(const std::string& path, const std::vector<Route>& knownRoutes) {
     try {
-        ObjectsFile file;
+        ObjectsFile file(knownRoutes);
         file.take(contents(path));
         ObjectStore store;
         store.root = std::move(file.root);

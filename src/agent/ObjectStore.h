@@ -23,8 +23,9 @@ public:
 
     /// Reads the file of managed objects `path`; `ObjectsFile` tells what it holds. Throws `Tev::TevException`
     /// (code -1) with the text "file:line: reason", or "file: reason" without a line, when the file cannot be read, is
-    /// larger than 64 MB, or holds anything that does not belong there.
-    static ObjectStore load(const std::string& path);
+    /// larger than 64 MB, or holds anything that does not belong there, objects of the classes of `knownRoutes`
+    /// included.
+    static ObjectStore load(const std::string& path, const std::vector<Route>& knownRoutes = {});
 
     /// Whether there is an object `dn`. The empty DN of the root names no object.
     bool exists(const std::string& dn) const;

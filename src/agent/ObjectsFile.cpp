@@ -51,6 +51,8 @@ void ObjectsFile::endElement() {
         objects.pop_back();
     } else if (elements.back() == Element::Value) {
         endValue();
+    } else if (elements.back() == Element::Root) {
+        requireNoRoutedObject();
     }
     elements.pop_back();
 }
@@ -118,6 +120,7 @@ void ObjectsFile::startObject(const XmlAttributes& attributes) {
     }
     place->second = std::make_unique<ManagedObject>();
     instances.keys.push_back(key);
+    firstLines.emplace(className, line());
     objects.push_back(place->second.get());
 }
 
@@ -144,6 +147,19 @@ void ObjectsFile::endValue() {
         attribute->append(valueText);
     } catch (const std::invalid_argument& error) {
         throw FileError(valueLine, "the attribute " + Text::quoted(attributeName) + ": " + error.what());
+    }
+}
+
+void ObjectsFile::requireNoRoutedObject() const {
+    std::vector<Route> all = otherRoutes;
+    all.insert(all.end(), routes.begin(), routes.end());
+    for (const Route& route : all) {
+        const auto object = firstLines.find(route.className);
+        if (object != firstLines.end()) {
+            throw FileError(object->second, "objects of class " + Text::quoted(route.className) +
+                                                " belong to component " + Text::quoted(route.component) +
+                                                ", and could not be read from here");
+        }
     }
 }
 

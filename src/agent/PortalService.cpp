@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "Barrier.h"
 #include "Failure.h"
@@ -94,9 +95,9 @@ TevReturnT PortalService::unregisterComponent(DalMgmtSpiComponent_2* table) {
         return TevReturnInvalidArgument;
     }
     const auto isIt = [table](const std::shared_ptr<Component>& component) { return &component->table() == table; };
+    const Tev::AnnotatedLock lock(mutex);
     // Its table is gone from now on, so it cannot be told to stop any more.
     toldToStart.erase(std::remove_if(toldToStart.begin(), toldToStart.end(), isIt), toldToStart.end());
-    const Tev::AnnotatedLock lock(mutex);
     const auto found = std::find_if(components.begin(), components.end(), isIt);
     if (found == components.end()) {
         return TevReturnNotFound;
@@ -112,7 +113,10 @@ std::vector<std::shared_ptr<Component>> PortalService::registered() const {
 
 void PortalService::start() {
     for (const std::shared_ptr<Component>& component : StartOrder::of(offeredByAgent(), registered())) {
-        toldToStart.push_back(component);
+        {
+            const Tev::AnnotatedLock lock(mutex);
+            toldToStart.push_back(component);
+        }
         Diagnostics::Capture capture;
         if (component->start() != TevReturnOk) {
             throw Failure(ExitStatus::NotStarted, capture.takeOr("component " + component->name() + " did not start"));
@@ -122,13 +126,21 @@ void PortalService::start() {
 
 TevReturnT PortalService::stop() {
     TevReturnT result = TevReturnOk;
-    while (!toldToStart.empty()) {
-        const std::shared_ptr<Component> component = toldToStart.back();
-        toldToStart.pop_back();
+    while (const std::shared_ptr<Component> component = takeLastStarted()) {
         const TevReturnT code = component->stop();
         result = result == TevReturnOk ? code : result;
     }
     return result;
+}
+
+std::shared_ptr<Component> PortalService::takeLastStarted() {
+    const Tev::AnnotatedLock lock(mutex);
+    if (toldToStart.empty()) {
+        return nullptr;
+    }
+    std::shared_ptr<Component> component = std::move(toldToStart.back());
+    toldToStart.pop_back();
+    return component;
 }
 
 std::vector<InterfaceId> PortalService::offeredByAgent() const {

@@ -57,10 +57,13 @@ private:
 
     std::vector<InterfaceId> offeredByAgent() const;
 
+    /// The component that was told to start last, which is to be told to stop now; null when there is none.
+    std::shared_ptr<Component> takeLastStarted();
+
     mutable Tev::AnnotatedMutex mutex;
     std::vector<DalMgmtSpiInterface_1*> offers TEV_GUARDED_BY(mutex);
     std::vector<std::shared_ptr<Component>> components TEV_GUARDED_BY(mutex);
-    std::vector<std::shared_ptr<Component>> toldToStart;
+    std::vector<std::shared_ptr<Component>> toldToStart TEV_GUARDED_BY(mutex);
 };
 
 }  // namespace TevAgent

@@ -22,10 +22,10 @@ std::vector<std::string> classesOf(std::string_view dn) {
 
 RouteTable::RouteTable(std::vector<Route> routeList) : routes(std::move(routeList)) {
     for (const Route& route : routes) {
-        if (find(route.parent, route.className)->component != route.component) {
+        const Route& first = *find(route.parent, route.className);
+        if (first.component != route.component) {
             throw Failure(ExitStatus::NotStarted, "class " + route.className + " is routed to two components, " +
-                                                      find(route.parent, route.className)->component + " and " +
-                                                      route.component);
+                                                      first.component + " and " + route.component);
         }
     }
 }

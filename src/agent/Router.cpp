@@ -39,6 +39,10 @@ TevReturnT clearedUnlessOk(TevReturnT code, Result*& result) {
     return code;
 }
 
+std::string nameOf(const Route* route) {
+    return route == nullptr ? "the object store" : "component " + route->component;
+}
+
 }  // namespace
 
 Router::Router(const ObjectStore& objectStore, PortalService& portalService, TransactionService& transactionService,
@@ -177,6 +181,14 @@ TevReturnT Router::action(unsigned long txHandle, const char* dn, const char* ac
         return owner.action(txHandle, dn, actionName, parameters, result);
     });
     return clearedUnlessOk(code, *result);
+}
+
+std::string Router::ownerOf(const std::string& dn) const {
+    return nameOf(routeTable.ofDn(dn));
+}
+
+std::string Router::ownerOf(const std::string& parentDn, const std::string& className) const {
+    return nameOf(routeTable.ofClass(parentDn, className));
 }
 
 TevReturnT Router::reach(unsigned long txHandle, const Route& route, DalOamSpiManagedObject_1*& owner) {

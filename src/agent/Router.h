@@ -48,6 +48,12 @@ public:
     TevReturnT action(unsigned long txHandle, const char* dn, const char* actionName,
                       DalMoAttributeValueContainer** parameters, DalMoAttributeValueContainer** result);
 
+    /// Who answers for the object `dn`, as a sentence names it: "component <name>", or "the object store".
+    std::string ownerOf(const std::string& dn) const;
+
+    /// The same for the objects of `className` directly under `parentDn`.
+    std::string ownerOf(const std::string& parentDn, const std::string& className) const;
+
 private:
     struct Table;
 

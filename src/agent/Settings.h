@@ -1,6 +1,7 @@
 #ifndef TEV_AGENT_SETTINGS_H
 #define TEV_AGENT_SETTINGS_H
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,7 +13,7 @@ struct Settings {
     /// The component looks its configuration up a second time under this name, so the file can have no other.
     static constexpr const char* configurationName = "libtev_schema_populator.cfg";
 
-    enum class Command { List, Get, Check };
+    enum class Command { List, Get, Export, Check };
     enum class Output { Table, Json };
 
     std::string models;                   ///< folder of model files
@@ -25,9 +26,16 @@ struct Settings {
     Output output = Output::Table;
 
     Command command = Command::List;
-    std::string target;                   ///< of get: a DN or a schema id
+    std::string target;                   ///< of get and export: a DN or a schema id
     std::vector<std::string> attributes;  ///< of get
     std::string checkedLibrary;           ///< of check
+
+    // Of export.
+    std::string uri;                   ///< as given; for every model it ends in "/"
+    bool isEveryModel = false;         ///< there is no target
+    std::size_t jobs = 4;              ///< at a time
+    bool isPasswordFromInput = false;  ///< its first line
+    std::string passwordFile;          ///< its first line; without either the operator is asked
 
     /// Whether the target is a DN.
     bool hasDn() const { return target.find('=') != std::string::npos; }

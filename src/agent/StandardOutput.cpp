@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Descriptor.h"
 #include "Failure.h"
 
 namespace TevAgent {
@@ -51,13 +52,8 @@ StandardOutput::~StandardOutput() {
 }
 
 void StandardOutput::write(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = ::write(descriptor, text.data(), text.size());
-        if (count >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            fail(errno);
-        }
+    if (const int error = Descriptor::write(descriptor, text); error != 0) {
+        fail(error);
     }
 }
 

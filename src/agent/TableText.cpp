@@ -55,6 +55,10 @@ std::string lineOf(const Row& row, const std::vector<std::size_t>& widths) {
     return line + "\n";
 }
 
+std::string outcomeOf(const std::string& outcome, const std::string& remark) {
+    return cell(remark.empty() ? outcome : outcome + ": " + remark) + "\n";
+}
+
 }  // namespace
 
 std::string TableText::of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances) {
@@ -70,8 +74,11 @@ std::string TableText::of(const std::vector<std::string>& attributeNames, const 
 }
 
 std::string TableText::of(const CheckResult& result) {
-    const std::string line = result.item + (result.isPassed ? ": passed" : ": failed");
-    return cell(result.remark.empty() ? line : line + ": " + result.remark) + "\n";
+    return outcomeOf(result.item + (result.isPassed ? ": passed" : ": failed"), result.remark);
+}
+
+std::string TableText::of(const ExportResult& result) {
+    return outcomeOf(result.model + (result.isExported ? ": exported" : ": failed"), result.message);
 }
 
 }  // namespace TevAgent

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "CheckResult.h"
+#include "ExportResult.h"
 #include "Instance.h"
 
 namespace TevAgent {
@@ -19,6 +20,9 @@ public:
 
     /// A line: "<item>: passed" or "<item>: failed", with the remark after another colon.
     static std::string of(const CheckResult& result);
+
+    /// A line: "<model>: exported" or "<model>: failed", with the message after another colon.
+    static std::string of(const ExportResult& result);
 };
 
 }  // namespace TevAgent

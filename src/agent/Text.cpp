@@ -1,5 +1,8 @@
 #include "Text.h"
 
+#include <Poco/UTF8Encoding.h>
+#include <Poco/Unicode.h>
+
 #include <cstddef>
 #include <cstdio>
 
@@ -10,22 +13,36 @@ namespace {
 constexpr std::string_view whiteSpace = " \t\r\n";
 constexpr std::size_t maxShown = 80;
 
-struct Control {
+struct Character {
     unsigned int code = 0;
-    std::size_t length = 0;  ///< in bytes; 0 when there is no control character
+    std::size_t size = 1;  ///< in bytes
 };
 
-/// The control character that `text` has at `position`.
-Control controlAt(std::string_view text, std::size_t position) {
-    const auto byte = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned int first = byte(position);
-    if (first < 0x20 || first == 0x7f) {
-        return {first, 1};
+/// The character that `text` has at `position`; a byte that is no character stands for U+FFFD, which is printable.
+Character characterAt(std::string_view text, std::size_t position) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data()) + position;
+    const Poco::UTF8Encoding utf8;
+    const int size = utf8.sequenceLength(bytes, 1);
+    const bool isWhole = size > 0 && static_cast<std::size_t>(size) <= text.size() - position;
+    if (!isWhole || !Poco::UTF8Encoding::isLegal(bytes, size)) {
+        return {0xfffd, 1};
     }
-    if (first == 0xc2 && position + 1 < text.size() && byte(position + 1) >= 0x80 && byte(position + 1) <= 0x9f) {
-        return {byte(position + 1), 2};
+    return {static_cast<unsigned int>(utf8.queryConvert(bytes, size)), static_cast<std::size_t>(size)};
+}
+
+bool isControl(unsigned int code) {
+    return code < 0x20 || (code >= 0x7f && code <= 0x9f);
+}
+
+/// Whether a terminal shows nothing for the character, but may show others in another order or place because of it.
+bool isInvisible(unsigned int code) {
+    if (code < 0x80) {
+        return false;
     }
-    return {};
+    Poco::Unicode::CharacterProperties properties{};
+    Poco::Unicode::properties(static_cast<int>(code), properties);
+    return properties.type == Poco::Unicode::UCP_FORMAT || properties.type == Poco::Unicode::UCP_LINE_SEPARATOR ||
+           properties.type == Poco::Unicode::UCP_PARAGRAPH_SEPARATOR;
 }
 
 /// Whether `byte` is not the first one of a UTF-8 character.
@@ -42,8 +59,12 @@ std::string escapeOf(unsigned int code) {
         case '\r':
             return "\\r";
         default: {
-            char escape[5];
-            std::snprintf(escape, sizeof escape, "\\x%02x", code & 0xffU);
+            char escape[11];
+            std::snprintf(escape, sizeof escape,
+                          code < 0x100     ? "\\x%02x"
+                          : code < 0x10000 ? "\\u%04x"
+                                           : "\\U%08x",
+                          code);
             return escape;
         }
     }
@@ -52,10 +73,12 @@ std::string escapeOf(unsigned int code) {
 }  // namespace
 
 bool hasControl(std::string_view text) {
-    for (std::size_t position = 0; position < text.size(); ++position) {
-        if (controlAt(text, position).length != 0) {
+    for (std::size_t position = 0; position < text.size();) {
+        const Character character = characterAt(text, position);
+        if (isControl(character.code)) {
             return true;
         }
+        position += character.size;
     }
     return false;
 }
@@ -64,13 +87,13 @@ std::string escaped(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {
-        const Control control = controlAt(text, position);
-        if (control.length != 0) {
-            result += escapeOf(control.code);
-            position += control.length;
+        const Character character = characterAt(text, position);
+        if (isControl(character.code) || isInvisible(character.code)) {
+            result += escapeOf(character.code);
         } else {
-            result += text[position++];
+            result += text.substr(position, character.size);
         }
+        position += character.size;
     }
     return result;
 }

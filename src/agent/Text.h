@@ -11,8 +11,9 @@ namespace TevAgent::Text {
 /// Whether `text` holds a control character: U+0000 to U+001F, U+007F to U+009F.
 bool hasControl(std::string_view text);
 
-/// `text` with each of its control characters written as an escape: `\n`, `\t`, `\r`, else `\x` and the code in
-/// two hexadecimal digits. A byte that is not UTF-8 stays as it is.
+/// `text` with each of its control characters, and of the invisible ones that change how a terminal shows the others
+/// (U+202E and its like), written as an escape: `\n`, `\t`, `\r`, else `\x`, `\u` or `\U` and the code in two, four or
+/// eight hexadecimal digits. A byte that is not UTF-8 stays as it is.
 std::string escaped(std::string_view text);
 
 /// Whether all of `text` is what XML calls white space; so is an empty text.

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include <cstdint>
 
 #include "DalOamSpiModelRepository.h"
@@ -76,6 +78,32 @@ TEST_F(AgentTest, putsSchemasUnderTheFirstSysMObject) {
 TEST_F(AgentTest, putsSchemasUnderTheUsualDnWithoutManagedObjects) {
     const Agent agent({node.path() + "/models", "", ""});
     EXPECT_EQ(agent.schemaParent(), "ManagedElement=1,SystemFunctions=1,SysM=1");
+}
+
+TEST_F(AgentTest, knowsTheSizeOfTheModelThatIsShown) {
+    node.writeModel("0.xml", "<mom name=\"Twice\" version=\"2\"/>");
+    node.writeModel("9.xml", "<mom name=\"Twice\" version=\"1\"/> ");
+    node.writeModel("gone.xml", "<mom name=\"Gone\"/>");
+    const Agent agent(inputs());
+    EXPECT_EQ(agent.modelSize("Twice"), std::filesystem::file_size(node.path() + "/models/9.xml"));
+    EXPECT_EQ(agent.modelSize("Nothing"), std::nullopt);
+    std::filesystem::remove(node.path() + "/models/gone.xml");
+    EXPECT_EQ(agent.modelSize("Gone"), std::nullopt);
+}
+
+TEST_F(AgentTest, knowsHowLongATransferMayTake) {
+    const auto timeoutWith = [this](const std::string& content) {
+        const TevTest::TempFolder folder;
+        Agent::Inputs changed = inputs();
+        changed.configuration = folder.write("libtev_schema_populator.cfg", content);
+        return Agent(changed).transferTimeout().count();
+    };
+    const std::string one = "<TevSchemaMoService><sftpTimeout>60000</sftpTimeout></TevSchemaMoService>";
+    EXPECT_EQ(timeoutWith("<configuration>" + one + "</configuration>"), 60000);
+    EXPECT_EQ(timeoutWith("<configuration>" + one + one + "</configuration>"), 180000);
+    EXPECT_EQ(timeoutWith("<configuration><TevSchemaMoService/></configuration>"), 180000);
+    EXPECT_EQ(timeoutWith("<configuration/>"), 180000);
+    EXPECT_EQ(Agent({node.path() + "/models", "", ""}).transferTimeout().count(), 180000);
 }
 
 TEST_F(AgentTest, refusesInputsThatCannotBeUsed) {

@@ -137,6 +137,57 @@ TEST(CommandLineTest, checkTakesALibrary) {
     EXPECT_EQ(settings.checkedLibrary, "x.so");
 }
 
+TEST(CommandLineTest, exportTakesAModelAndWhereItGoes) {
+    const Settings settings = parse({"--models", "m", "export", "Transport", "sftp://u@h/p/%3F%23"});
+    EXPECT_EQ(settings.command, Settings::Command::Export);
+    EXPECT_EQ(settings.target, "Transport");
+    EXPECT_EQ(settings.uri, "sftp://u@h/p/%3F%23");
+    EXPECT_FALSE(settings.isEveryModel);
+    EXPECT_FALSE(settings.isPasswordFromInput);
+    EXPECT_EQ(settings.passwordFile, "");
+    EXPECT_TRUE(parse({"--models", "m", "export", "x", "sftp://h/", "--password-stdin"}).isPasswordFromInput);
+    EXPECT_EQ(parse({"--models", "m", "export", "--password-file", "f", "x", "sftp://h/"}).passwordFile, "f");
+}
+
+TEST(CommandLineTest, exportOfEveryModelTakesAFolder) {
+    const Settings settings = parse({"--models", "m", "export", "--all", "--jobs", "3", "sftp://h/p"});
+    EXPECT_TRUE(settings.isEveryModel);
+    EXPECT_EQ(settings.target, "");
+    EXPECT_EQ(settings.uri, "sftp://h/p/");
+    EXPECT_EQ(settings.jobs, 3U);
+    EXPECT_EQ(parse({"--models", "m", "export", "sftp://h/p/", "--all"}).uri, "sftp://h/p/");
+    EXPECT_EQ(parse({"--models", "m", "export", "sftp://h", "--all"}).uri, "sftp://h/");
+    EXPECT_EQ(parse({"--models", "m", "export", "sftp://h", "--all"}).jobs, 4U);
+}
+
+TEST(CommandLineTest, refusesAnExportThatIsIncompleteOrTooMuch) {
+    EXPECT_THAT(refusal({"--models", "m", "export"}), StartsWith("DN|SCHEMA-ID is required ("));
+    EXPECT_THAT(refusal({"--models", "m", "export", "x"}), StartsWith("SFTP-URI is required ("));
+    EXPECT_THAT(refusal({"--models", "m", "export", "--all"}), StartsWith("SFTP-URI is required ("));
+    EXPECT_THAT(refusal({"--models", "m", "export", "--all", "x", "sftp://h/"}),
+                StartsWith("with --all no model is named, so x is one too many ("));
+    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/", "--jobs", "2"}),
+                HasSubstr("--jobs requires --all"));
+    for (const char* jobs : {"0", "65", "-1", "x", "1.5"}) {
+        EXPECT_THAT(refusal({"--models", "m", "export", "--all", "--jobs", jobs, "sftp://h/"}), HasSubstr("--jobs"))
+            << jobs;
+    }
+    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/", "--password-stdin", "--password-file", "f"}),
+                HasSubstr("excludes"));
+    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/", "--password-file", ""}),
+                StartsWith("--password-file: the value is empty ("));
+    EXPECT_THAT(refusal({"export", "x", "sftp://h/"}), HasSubstr("neither --node nor --models"));
+}
+
+TEST(CommandLineTest, refusesAnUriWhosePathWouldEndUnseen) {
+    for (const char* uri : {"sftp://h/a?b", "sftp://h/a#b", "sftp://h/?", "sftp://u#x@h/"}) {
+        EXPECT_THAT(refusal({"--models", "m", "export", "x", uri}),
+                    StartsWith("the URI has a query or a fragment; write %3F for ? and %23 for # ("));
+        EXPECT_THAT(refusal({"--models", "m", "export", "--all", uri}),
+                    StartsWith("the URI has a query or a fragment"));
+    }
+}
+
 TEST(CommandLineTest, showsHelpForTheProgramAndEachCommand) {
     EXPECT_THAT(parse({"--help"}).information, testing::AllOf(HasSubstr("--node"), HasSubstr("check")));
     EXPECT_THAT(parse({"--help"}).information,
@@ -144,6 +195,7 @@ TEST(CommandLineTest, showsHelpForTheProgramAndEachCommand) {
     EXPECT_THAT(parse({"-h"}).information, HasSubstr("--node"));
     EXPECT_THAT(parse({"list", "--help"}).information, HasSubstr("tev-agent list"));
     EXPECT_THAT(parse({"get", "--help"}).information, HasSubstr("DN|SCHEMA-ID"));
+    EXPECT_THAT(parse({"export", "--help"}).information, HasSubstr("SFTP-URI"));
     EXPECT_THAT(parse({"check", "--help"}).information, HasSubstr("FILE.so"));
 }
 
@@ -215,6 +267,21 @@ TEST(CommandLineTest, refusesAConfigurationOfAnotherName) {
 TEST(CommandLineTest, refusesToListOrGetWithoutModels) {
     EXPECT_THAT(refusal({"list"}), HasSubstr("neither --node nor --models says where the models are"));
     EXPECT_THAT(refusal({"get", "x"}), HasSubstr("neither --node nor --models says where the models are"));
+    EXPECT_THAT(refusal({"get", "SysM=1,Schema=x"}), HasSubstr("neither --node nor --models"));
+    EXPECT_THAT(refusal({"get", "SysM=1,Schema=x,Part=1", "a"}), HasSubstr("neither --node nor --models"));
+}
+
+TEST(CommandLineTest, takesAnObjectOfAnotherClassWithoutModels) {
+    EXPECT_EQ(parse({"--objects", "o.xml", "get", "ManagedElement=1", "a"}).models, "");
+}
+
+TEST(CommandLineTest, tellsHowToNameASchemaThatLooksLikeAnOption) {
+    EXPECT_THAT(refusal({"--models", "m", "get", "-x"}),
+                HasSubstr("; what begins with - but is no option stands behind -- ("));
+    EXPECT_THAT(refusal({"--models", "m", "get", "-x", "version"}), HasSubstr("-x; what begins with -"));
+    EXPECT_THAT(refusal({"--models", "m", "get"}), testing::Not(HasSubstr("behind --")));
+    EXPECT_THAT(refusal({"--models", "m", "list", "-x"}), testing::Not(HasSubstr("behind --")));
+    EXPECT_EQ(parse({"--models", "m", "get", "--", "-x"}).target, "-x");
 }
 
 }  // namespace

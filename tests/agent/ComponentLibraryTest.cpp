@@ -21,8 +21,9 @@ std::string library(const std::string& name) {
 }
 
 std::string refusal(const std::string& path) {
+    PortalService portal;
     try {
-        const ComponentLibrary loaded(path);
+        const ComponentLibrary loaded(path, portal);
         return "loaded";
     } catch (const Failure& e) {
         EXPECT_EQ(e.status(), ExitStatus::NotStarted);
@@ -40,8 +41,9 @@ bool isLoaded(const std::string& path) {
 
 TEST(ComponentLibraryTest, isUnloadedAtItsEnd) {
     const std::string path = library("registers_nothing");
+    PortalService portal;
     {
-        const ComponentLibrary loaded(path);
+        const ComponentLibrary loaded(path, portal);
         EXPECT_EQ(loaded.path(), path);
         EXPECT_TRUE(isLoaded(path));
     }
@@ -72,7 +74,8 @@ TEST(ComponentLibraryTest, goesUpFromWhereALinkLeads) {
     std::filesystem::create_directory_symlink("far/away", folder.path() / "link");
     std::filesystem::copy_file(library("registers_nothing"), folder.path() / "far" / "x.so");
     const std::string path = folder.path() / "link/../x.so";
-    EXPECT_EQ(ComponentLibrary(path).path(), path);
+    PortalService portal;
+    EXPECT_EQ(ComponentLibrary(path, portal).path(), path);
 }
 
 TEST(ComponentLibraryTest, refusesAnEmptyPath) {
@@ -82,17 +85,38 @@ TEST(ComponentLibraryTest, refusesAnEmptyPath) {
 TEST(ComponentLibraryTest, terminatesWhatItInitialized) {
     PortalService portal;
     {
-        ComponentLibrary loaded(library("votes_no"));
-        loaded.initialize(PortalService::accessor(), nullptr);
+        ComponentLibrary loaded(library("votes_no"), portal);
+        loaded.initialize(nullptr);
         EXPECT_EQ(portal.registered().size(), 1U);
+        EXPECT_EQ(loaded.components(), portal.registered());
     }
     EXPECT_TRUE(portal.registered().empty());
 }
 
+TEST(ComponentLibraryTest, unregistersWhatItLeftRegisteredAndSaysSo) {
+    PortalService portal;
+    for (const std::string name : {"stays_registered", "terminate_throws", "init_fails_late"}) {
+        Diagnostics::Capture capture;
+        {
+            ComponentLibrary loaded(library(name), portal);
+            try {
+                loaded.initialize(nullptr);
+            } catch (const Failure&) {
+                EXPECT_EQ(name, "init_fails_late");
+            }
+            EXPECT_EQ(portal.registered().size(), 1U) << name;
+        }
+        EXPECT_TRUE(portal.registered().empty()) << name;
+        EXPECT_THAT(capture.takeOr(""), testing::EndsWith("component library " + library(name) +
+                                                          " left component TevSchemaMoService registered"));
+    }
+}
+
 TEST(ComponentLibraryTest, givesTheCodeOfAnInitializationThatFails) {
-    ComponentLibrary loaded(library("init_returns_code"));
+    PortalService portal;
+    ComponentLibrary loaded(library("init_returns_code"), portal);
     try {
-        loaded.initialize(PortalService::accessor(), nullptr);
+        loaded.initialize(nullptr);
         FAIL() << "it was initialized";
     } catch (const Failure& e) {
         EXPECT_EQ(e.status(), ExitStatus::NotStarted);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <thread>
+#include <utility>
 
 #include "AgentProcess.h"
 #include "TestNode.h"
@@ -24,6 +25,11 @@ std::string library(const std::string& fault) {
 /// What the agent says when it can make no use of a library.
 std::string cannotUse(const std::string& fault, const std::string& reason) {
     return "tev-agent: cannot use component library " + library(fault) + ": " + reason + "\n";
+}
+
+/// What the agent says of a library that is unloaded with its component still registered.
+std::string leftRegistered(const std::string& fault) {
+    return "tev-agent: component library " + library(fault) + " left component TevSchemaMoService registered\n";
 }
 
 class HostileComponentTest : public testing::Test {
@@ -78,6 +84,24 @@ TEST_F(HostileComponentTest, throwsAnIntFromInit) {
     expectNotStarted(
         "init_throws_int",
         cannotUse("init_throws_int", "component init_throws_int.so threw in dalLCMinit: an exception of type int"));
+}
+
+TEST_F(HostileComponentTest, isRegisteredButFailsToInitialize) {
+    expectNotStarted("init_fails_late",
+                     leftRegistered("init_fails_late") + cannotUse("init_fails_late", "dalLCMinit returned -17"));
+}
+
+TEST_F(HostileComponentTest, leavesNoTableToThoseThatAreTerminatedAfterIt) {
+    const std::string threw = "tev-agent: component terminate_throws.so threw in dalLCMterminate: too late\n";
+    for (const auto& [fault, said] : {std::pair("stays_registered", leftRegistered("stays_registered")),
+                                      std::pair("terminate_throws", threw + leftRegistered("terminate_throws"))}) {
+        const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "--component", library("looks_up_late"),
+                                                        "--component", library(fault), "get", "one", "schemaId"});
+        EXPECT_EQ(outcome.status, 0) << fault;
+        EXPECT_EQ(outcome.signal, 0) << fault;
+        EXPECT_EQ(outcome.out, "schemaId\nvalue\n") << fault;
+        EXPECT_EQ(outcome.err, said + "not found\n") << fault;
+    }
 }
 
 TEST_F(HostileComponentTest, registersNothing) {
@@ -207,6 +231,15 @@ TEST_F(HostileComponentTest, throwsAnIntFromAReadWhichHidesThatInstanceOnly) {
               "value     value       value                value    value             value\n");
 }
 
+TEST_F(HostileComponentTest, returnsACodeFromAReadOfAnInstanceThatIsThere) {
+    const AgentOutcome outcome = run("read_fails", {"get", "one", "schemaId"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "tev-agent: cannot read attribute schemaId of " + TestNode::schemaDn("one") +
+                               ": component TevSchemaMoService returned -13\n");
+    EXPECT_THAT(run("read_fails", {"get", "one", "version"}).err,
+                HasSubstr(": component TevSchemaMoService returned -10 (no memory)\n"));
+}
+
 TEST_F(HostileComponentTest, givesNoContainer) {
     const AgentOutcome outcome = run("null_value", {"get", "one", "version"});
     EXPECT_EQ(outcome.status, 1);
@@ -217,7 +250,7 @@ TEST_F(HostileComponentTest, givesNoContainer) {
 TEST_F(HostileComponentTest, givesValuesThatReachForTheTerminal) {
     EXPECT_EQ(run("strange_values", {"get", "one", "version"}).out, "version\nred\\x1b[31m\\nnext \xef\xbf\xbd\n");
     EXPECT_THAT(run("strange_values", {"--output", "json", "get", "one", "version"}).out,
-                HasSubstr("red\\u001B[31m\\nnext \xef\xbf\xbd"));
+                HasSubstr("red\\u001B[31m\\nnext \\uFFFD\""));
 }
 
 TEST_F(HostileComponentTest, hasAMessageForTheOperator) {
@@ -227,24 +260,24 @@ TEST_F(HostileComponentTest, hasAMessageForTheOperator) {
 }
 
 TEST_F(HostileComponentTest, anInterruptEndsAnEndlessListingInGoodOrder) {
-    AgentProcess agent(arguments("endless_listing", {"list"}), {});
+    AgentProcess agent(arguments("endless_listing", {"list"}));
     agent.waitForError("listing\n");
-    agent.interrupt();
-    const AgentOutcome outcome = agent.wait();
+    agent.send(SIGINT);
+    const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);
-    EXPECT_EQ(outcome.err, "listing\ntev-agent: interrupted\n");
+    EXPECT_EQ(outcome.err, "listing\nabort\nfinish\nstop\nterminate\ntev-agent: interrupted\n");
     EXPECT_EQ(outcome.out, "");
 }
 
 TEST_F(HostileComponentTest, aSecondInterruptEndsAComponentThatHangs) {
-    AgentProcess agent(arguments("endless_start", {"list"}), {});
+    AgentProcess agent(arguments("endless_start", {"list"}));
     agent.waitForError("starting\n");
     for (int interrupts = 0; interrupts < 1000 && !agent.hasEnded(); ++interrupts) {
-        agent.interrupt();
+        agent.send(SIGINT);
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     ASSERT_TRUE(agent.hasEnded());
-    EXPECT_EQ(agent.wait().signal, SIGINT);
+    EXPECT_EQ(agent.outcome().signal, SIGINT);
 }
 
 TEST_F(HostileComponentTest, checkNamesTheItemThatFailsAndDoesNotTryTheOthers) {
@@ -296,10 +329,10 @@ TEST_F(HostileComponentTest, checkNamesTheInstanceThatCannotBeRead) {
 }
 
 TEST_F(HostileComponentTest, checkRefusesAComponentThatDoesNotOwnTheClass) {
-    const AgentOutcome outcome =
-        AgentProcess::run({"--component", library("circle_right"), "check", library("circle_left")});
+    const AgentOutcome outcome = AgentProcess::run({"check", library("looks_up_late")});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.out, HasSubstr("starts and stops: failed: components depend on each other in a circle"));
+    EXPECT_THAT(outcome.out, HasSubstr("starts and stops: passed\nlists: failed: class Schema belongs to component "
+                                       "TevSchemaMoService, not to EarlyService\n"));
 }
 
 }  // namespace

@@ -36,7 +36,8 @@ protected:
 
     std::vector<std::string> problems() const {
         std::vector<std::string> texts;
-        for (const Problem& problem : ModelFolder::read(folder.path()).problems()) {
+        const ModelFolder models = ModelFolder::read(folder.path());
+        for (const Problem& problem : models.problems()) {
             texts.push_back(problem.text());
         }
         return texts;

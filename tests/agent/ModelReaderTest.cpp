@@ -210,9 +210,9 @@ TEST_F(ModelReaderTest, refusesAFeatureWithoutAName) {
     expectRefused("<mom name=\"A\">\n<feature name=\"\"/></mom>", 2, "the name of <feature> is empty");
 }
 
-TEST_F(ModelReaderTest, refusesAFeatureNamedTwice) {
-    expectRefused("<mom name=\"A\">\n<feature name=\"F\"/>\n<feature name=\"F\"/></mom>", 3,
-                  "the feature \"F\" is there twice");
+TEST_F(ModelReaderTest, listsAFeatureAsOftenAsItIsNamed) {
+    EXPECT_EQ(summary(modelOf(R"(<mom name="A"><feature name="F"/><feature name="G"/><feature name="F"/></mom>)")),
+              "A -/-/- +F +G +F");
 }
 
 TEST_F(ModelReaderTest, refusesADomainWithoutAName) {
@@ -226,7 +226,12 @@ TEST_F(ModelReaderTest, refusesAPropertyWithoutKeyOrValue) {
     expectRefused(inDomain("<property value=\"v\"/>"), 2, "<property> has no key");
     expectRefused(inDomain("<property key=\"k\"/>"), 2, "<property> has no value");
     expectRefused(inDomain("<property key=\"\" value=\"v\"/>"), 2, "the key of <property> is empty");
-    expectRefused(inDomain("<property key=\"k\" value=\"\"/>"), 2, "the value of <property> is empty");
+}
+
+TEST_F(ModelReaderTest, takesAPropertyWithAnEmptyValueForAbsent) {
+    EXPECT_EQ(summary(modelOf(R"(<mom name="A"><domain name="D"><property key="k" value=""/>
+<property key="l" value="1"/><property key="k" value="2"/><property key="l" value=""/></domain></mom>)")),
+              "A -/-/- D:k=2;l=1;");
 }
 
 TEST_F(ModelReaderTest, refusesAPropertyGivenTwice) {

@@ -207,6 +207,23 @@ TEST(ObjectsFileTest, refusesTwoRoutesForOneClassAndParent) {
               "accepted");
 }
 
+TEST(ObjectsFileTest, refusesAnObjectThatIsRoutedToAComponent) {
+    const std::string reason = "objects of class \"A\" belong to component \"C\", and could not be read from here";
+    EXPECT_EQ(refusalOf(inRoot("<route class=\"A\" parent=\"B\" component=\"C\"/>\n<mo class=\"A\" id=\"1\"/>")),
+              "3: " + reason);
+    EXPECT_EQ(refusalOf(inRoot("<mo class=\"B\" id=\"1\">\n<mo class=\"A\" id=\"1\"/>\n<mo class=\"A\" id=\"2\"/></mo>"
+                               "<route class=\"A\" parent=\"B\" component=\"C\"/>")),
+              "3: " + reason);
+    ObjectsFile file({{"A", {}, "C"}});
+    try {
+        file.take(inRoot("<mo class=\"A\" id=\"1\"/>"));
+        FAIL() << "the object was taken";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.line(), 2U);
+        EXPECT_EQ(error.what(), reason);
+    }
+}
+
 TEST(ObjectsFileTest, acceptsSixtyFourLevelsAndNoMore) {
     EXPECT_EQ(refusalOf(nested(64)), "accepted");
     EXPECT_EQ(refusalOf(nested(65)), "1: elements are nested deeper than 64 levels");

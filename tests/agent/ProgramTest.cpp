@@ -2,7 +2,9 @@
 
 #include <Poco/JSON/Object.h>
 #include <Poco/JSON/Parser.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -12,6 +14,7 @@
 
 #include "AgentProcess.h"
 #include "FileText.h"
+#include "Pipe.h"
 #include "TestNode.h"
 
 namespace TevTest {
@@ -52,12 +55,14 @@ std::vector<std::string> texts(const Poco::JSON::Array::Ptr& array) {
 
 class ProgramTest : public testing::Test {
 protected:
-    AgentOutcome onNode(const std::vector<std::string>& command) const { return onNode(command, {}); }
+    AgentOutcome onNode(const std::vector<std::string>& command, const AgentProcess::Setting& setting = {}) const {
+        return AgentProcess::run(nodeAnd(command), setting);
+    }
 
-    AgentOutcome onNode(const std::vector<std::string>& command, const AgentProcess::Setting& setting) const {
+    std::vector<std::string> nodeAnd(const std::vector<std::string>& command) const {
         std::vector<std::string> words = {"--node", node.path()};
         words.insert(words.end(), command.begin(), command.end());
-        return AgentProcess::run(words, setting);
+        return words;
     }
 
     /// The command fails with this status, this sentence and no result.
@@ -187,7 +192,7 @@ TEST_F(ProgramTest, listReadsNoMoreThanTheHeadsOfManyFiles) {
     EXPECT_GT(many.bytesRead, none.bytesRead + count);
 }
 
-TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysSoOnce) {
+TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysOnceWhichOne) {
     node.writeModel("4.xml", R"(<mom name="Transport" version="3"/>)");
     node.writeModel("5.xml", R"(<mom name="Transport" version="4"/>)");
     node.writeModel("6.xml", R"(<mom name="Plain" version="4"/>)");
@@ -195,7 +200,8 @@ TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysSoOnce) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, table);
     EXPECT_EQ(outcome.err,
-              "tev-agent: there are several versions of Plain, Transport; the values are those of the first version\n");
+              "tev-agent: there are several versions of Plain (shown: the one without a version), Transport (shown: "
+              "2.1.5)\n");
 }
 
 TEST_F(ProgramTest, listNeedsASysMObjectWhenThereAreManagedObjects) {
@@ -229,10 +235,26 @@ TEST_F(ProgramTest, getShowsOneInstanceByItsSchemaId) {
     EXPECT_EQ(outcome.err, "");
 }
 
+TEST_F(ProgramTest, invisibleCharactersOfANameReachNoTerminal) {
+    node.writeModel("4.xml", "<mom name=\"Trap\xe2\x80\xae\xe2\x80\x8b\"><feature name=\"\xe2\x80\xad\"/></mom>");
+    node.writeModel("6\xe2\x80\xae.xml", "");
+    const std::string invisible = "\xe2\x80";
+    const AgentOutcome outcome = onNode({"list"});
+    EXPECT_THAT(outcome.out, AllOf(HasSubstr("\nTrap\\u202e\\u200b  Trap\\u202e\\u200b  "), Not(HasSubstr(invisible))));
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("6\\u202e.xml"), Not(HasSubstr(invisible))));
+    const std::string json = onNode({"--output=json", "list"}).out;
+    EXPECT_THAT(json, Not(HasSubstr(invisible)));
+    EXPECT_EQ(objectsIn(json, "schemas")[3]->getValue<std::string>("schemaId"), "Trap\xe2\x80\xae\xe2\x80\x8b");
+}
+
 TEST_F(ProgramTest, getTakesADnAsItIs) {
     EXPECT_EQ(onNode({"get", "ManagedElement=1,SystemFunctions=1,SysM=1,Schema=Transport", "version"}).out,
               "version\n2.1.5\n");
     EXPECT_EQ(onNode({"get", "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"}).out, "dscp\n10\n");
+    EXPECT_EQ(AgentProcess::run({"--objects", node.path() + "/managed-objects.xml", "get",
+                                 "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"})
+                  .out,
+              "dscp\n10\n");
 }
 
 TEST_F(ProgramTest, getShowsJustTheAttributesNamedInTheirOrder) {
@@ -445,21 +467,21 @@ TEST_F(ProgramTest, theUsualComponentIsTheLibraryBesideTheProgram) {
     const TempFolder prefix;
     std::filesystem::create_directory(prefix.path() / "bin");
     std::filesystem::create_directory(prefix.path() / "lib");
-    AgentProcess::Setting setting;
-    setting.program = prefix.path() / "bin" / "tev-agent";
-    std::filesystem::copy_file(TEV_AGENT_PROGRAM, setting.program);
+    const std::string program = prefix.path() / "bin" / "tev-agent";
+    std::filesystem::copy_file(TEV_AGENT_PROGRAM, program);
     const std::filesystem::path library = prefix.path() / "lib" / "libtev_schema_populator.so";
     std::filesystem::copy_file(TEV_COMPONENT_LIBRARY, library);
-    EXPECT_THAT(onNode({"check"}, setting).out, StartsWith("loads: passed: " + library.string() + "\n"));
+    EXPECT_THAT(AgentProcess({"check"}, {}, program).outcome().out,
+                StartsWith("loads: passed: " + library.string() + "\n"));
 }
 
 TEST_F(ProgramTest, withoutALibraryBesideItTheUsualComponentIsTheInstalledOne) {
     const TempFolder prefix;
-    AgentProcess::Setting setting;
-    setting.program = prefix.path() / "tev-agent";
-    std::filesystem::copy_file(TEV_AGENT_PROGRAM, setting.program);
-    EXPECT_THAT(onNode({"check"}, setting).out, StartsWith(std::string("loads: failed: cannot use component library ") +
-                                                           TEV_INSTALLED_LIBRARIES + "/libtev_schema_populator.so: "));
+    const std::string program = prefix.path() / "tev-agent";
+    std::filesystem::copy_file(TEV_AGENT_PROGRAM, program);
+    EXPECT_THAT(AgentProcess({"check"}, {}, program).outcome().out,
+                StartsWith(std::string("loads: failed: cannot use component library ") + TEV_INSTALLED_LIBRARIES +
+                           "/libtev_schema_populator.so: "));
 }
 
 TEST_F(ProgramTest, helpAndVersionAreResults) {
@@ -522,7 +544,9 @@ TEST_F(ProgramTest, aBadObjectsFileIsStatus3WithFileLineAndReason) {
          "the attribute \"a\": \"128\" is out of the range of type int8"},
         {"<managedObjects><mo class=\"A\" id=\"1\"/>\n<mo class=\"A\" id=\"1\"/></managedObjects>",
          "there is an object of class \"A\" and id \"1\" with this parent already"},
-        {"<managedObjects>\n<thing/></managedObjects>", "<thing> does not belong here"}};
+        {"<managedObjects>\n<thing/></managedObjects>", "<thing> does not belong here"},
+        {"<managedObjects>\n<mo class=\"Schema\" id=\"1\"/></managedObjects>",
+         "objects of class \"Schema\" belong to component \"TevSchemaMoService\", and could not be read from here"}};
     for (const auto& [bad, reason] : cases) {
         node.writeObjects(bad);
         expectFailure(onNode({"list"}), 3, testing::Eq(place + reason + "\n"));
@@ -538,11 +562,13 @@ TEST_F(ProgramTest, twoRoutesOfAClassToDifferentComponentsAreStatus3) {
 
 TEST_F(ProgramTest, resultsThatCannotBeWrittenAreStatus1) {
     AgentProcess::Setting full;
-    full.outputFile = "/dev/full";
+    full.out = open("/dev/full", O_WRONLY | O_CLOEXEC);
     AgentProcess::Setting closed;
-    closed.isOutputClosed = true;
+    closed.out = AgentProcess::closed;
+    Pipe unread(0);
+    unread.closeReading();
     AgentProcess::Setting gone;
-    gone.isReaderGone = true;
+    gone.out = unread.writing();
     for (const std::vector<std::string>& command : {std::vector<std::string>{"list"},
                                                     {"get", "Plain"},
                                                     {"check"},
@@ -553,6 +579,32 @@ TEST_F(ProgramTest, resultsThatCannotBeWrittenAreStatus1) {
         expectFailure(onNode(command, closed), 1, HasSubstr("cannot write to standard output: Bad file descriptor"));
         expectFailure(onNode(command, gone), 1, HasSubstr("cannot write to standard output: Broken pipe"));
     }
+    close(full.out);
+}
+
+TEST_F(ProgramTest, waitsForAFullOutputThatIsNonBlocking) {
+    Pipe pipe(O_NONBLOCK);
+    AgentProcess::Setting setting;
+    setting.out = pipe.writing();
+    const std::string longName(100000, 'L');
+    node.writeModel("long.xml", "<mom name=\"" + longName + "\"/>");
+    AgentProcess agent(nodeAnd({"get", longName, "schemaId"}), setting);
+    pipe.closeWriting();
+    pipe.waitUntilFull();
+    EXPECT_EQ(pipe.readAll(), "schemaId\n" + longName + "\n");
+    EXPECT_EQ(agent.outcome().status, 0);
+}
+
+TEST_F(ProgramTest, waitsForAFullStandardErrorThatIsNonBlocking) {
+    Pipe pipe(O_NONBLOCK);
+    AgentProcess::Setting setting;
+    setting.err = pipe.writing();
+    const std::string longName(100000, 'L');
+    AgentProcess agent(nodeAnd({"get", longName}), setting);
+    pipe.closeWriting();
+    pipe.waitUntilFull();
+    EXPECT_EQ(pipe.readAll(), "tev-agent: there is no " + TestNode::schemaDn(longName) + "\n");
+    EXPECT_EQ(agent.outcome().status, 1);
 }
 
 TEST_F(ProgramTest, anInterruptedCommandIsStatus130UnlessInterruptsAreIgnored) {

@@ -35,6 +35,23 @@ TEST(TextTest, escapesControlCharactersAndNothingElse) {
     EXPECT_EQ(Text::escaped(std::string("a\0b", 3)), "a\\x00b");
 }
 
+TEST(TextTest, escapesInvisibleCharactersThatChangeHowOthersAreShown) {
+    EXPECT_EQ(Text::escaped("a\xe2\x80\xae"
+                            "b"),
+              "a\\u202eb");
+    EXPECT_EQ(Text::escaped("\xe2\x81\xa6\xe2\x80\x8f\xe2\x80\x8b\xef\xbb\xbf"), "\\u2066\\u200f\\u200b\\ufeff");
+    EXPECT_EQ(Text::escaped("\xe2\x80\xa8\xe2\x80\xa9"), "\\u2028\\u2029");
+    EXPECT_EQ(Text::escaped("\xf3\xa0\x81\x81"), "\\U000e0041");
+    EXPECT_FALSE(Text::hasControl("\xe2\x80\xae"));
+}
+
+TEST(TextTest, leavesLettersOfEveryScriptAndBytesThatAreNoneAsTheyAre) {
+    for (const char* text :
+         {"\xd7\xa9\xd7\x9c", "\xe4\xb8\xad", "\xf0\x9f\x98\x80", "e\xcc\x81", "a\xff\xe2\x80", "\xed\xa0\x80"}) {
+        EXPECT_EQ(Text::escaped(text), text);
+    }
+}
+
 TEST(TextTest, trimsWhiteSpaceAtTheEndsOnly) {
     EXPECT_EQ(Text::trimmed(" \t\r\n a b \n"), "a b");
     EXPECT_EQ(Text::trimmed(" \n "), "");

@@ -177,7 +177,7 @@ TEST_F(TransactionServiceTest, aJoinThatFailsIsTriedAgainAtTheNextCall) {
     a.whenCalled("join", [] { return TevReturnT(2); });
     Diagnostics::Capture capture;
     EXPECT_EQ(service.join(handle, a.resource), 2);
-    EXPECT_EQ(capture.takeOr(""), "component A returned 2 from join");
+    EXPECT_EQ(capture.takeOr(""), "component A returned 2 (not started) from join");
     a.whenCalled("join", [] { return TevReturnT(0); });
     EXPECT_EQ(service.join(handle, a.resource), 0);
     EXPECT_THAT(calls, ElementsAre("A.join 1", "A.join 1"));

@@ -1,22 +1,18 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <ctime>
 #include <map>
 #include <sstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "ChildProcess.h"
 #include "FileText.h"
 #include "LogCapture.h"
+#include "Pipe.h"
 #include "TempFolder.h"
 
 // What the log does with its environment: seen in processes that use it for the first time.
@@ -36,6 +32,7 @@ using testing::StartsWith;
 using TevTest::ChildProcess;
 using TevTest::contents;
 using TevTest::LogRecord;
+using TevTest::Pipe;
 using TevTest::TempFolder;
 
 std::vector<LogRecord> parse(const std::string& log) {
@@ -55,68 +52,12 @@ std::vector<std::string> texts(const std::string& log) {
     return texts;
 }
 
-/// The two ends of a pipe; an end that is closed has the number -1.
-class Pipe {
-public:
-    explicit Pipe(int flags) {
-        if (pipe2(ends.data(), O_CLOEXEC | flags) != 0) {
-            throw std::system_error(errno, std::generic_category(), "pipe");
-        }
-    }
-    ~Pipe() {
-        closeEnd(0);
-        closeEnd(1);
-    }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
-
-    int reading() const { return ends[0]; }
-    int writing() const { return ends[1]; }
-
-    void closeReading() { closeEnd(0); }
-    void closeWriting() { closeEnd(1); }
-
-    /// Returns once nothing more fits in, or fails when nobody can write any more.
-    void waitUntilFull() const {
-        const int capacity = fcntl(ends[0], F_GETPIPE_SZ);
-        for (;;) {
-            int filled = 0;
-            ASSERT_EQ(ioctl(ends[0], FIONREAD, &filled), 0);
-            if (filled >= capacity) {
-                return;
-            }
-            pollfd writers{ends[0], 0, 0};
-            ASSERT_EQ(poll(&writers, 1, 1), 0) << "no writer is left";
-        }
-    }
-
-    /// Reads until nobody can write any more.
-    std::string readAll() const {
-        std::string all;
-        std::array<char, 5000> piece{};
-        for (;;) {
-            pollfd waited{ends[0], POLLIN, 0};
-            poll(&waited, 1, -1);
-            const ssize_t length = read(ends[0], piece.data(), piece.size());
-            if (length == 0) {
-                return all;
-            }
-            if (length > 0) {
-                all.append(piece.data(), static_cast<std::size_t>(length));
-            }
-        }
-    }
-
-private:
-    void closeEnd(std::size_t end) {
-        if (ends[end] >= 0) {
-            close(ends[end]);
-            ends[end] = -1;
-        }
-    }
-
-    std::array<int, 2> ends{-1, -1};
-};
+/// Standard error goes into the pipe.
+ChildProcess::Setting writingTo(const Pipe& pipe) {
+    ChildProcess::Setting setting;
+    setting.err = pipe.writing();
+    return setting;
+}
 
 TEST(LoggingWrapperProcessTest, levelIsFourByDefault) {
     ChildProcess child(LOG_CHILD, {"level"}, {});
@@ -127,7 +68,7 @@ TEST(LoggingWrapperProcessTest, levelIsFourByDefault) {
 
 TEST(LoggingWrapperProcessTest, levelComesFromTheEnvironment) {
     for (const char* const level : {"0", "1", "2", "3", "4", "5", "6", "7", "8"}) {
-        ChildProcess child(LOG_CHILD, {"level"}, {std::string("TEV_LOG_LEVEL=") + level});
+        ChildProcess child(LOG_CHILD, {"level"}, {{{"TEV_LOG_LEVEL", level}}});
         EXPECT_EQ(child.wait(), 0);
         EXPECT_EQ(child.out(), level);
         EXPECT_EQ(child.err(), "");
@@ -137,7 +78,7 @@ TEST(LoggingWrapperProcessTest, levelComesFromTheEnvironment) {
 TEST(LoggingWrapperProcessTest, badLevelIsReportedAndFourIsUsed) {
     for (const char* const level :
          {"", "9", "-1", "+1", "4x", " 4", "4 ", "4.0", "high", "0x4", "99999999999999999999"}) {
-        ChildProcess child(LOG_CHILD, {"level"}, {std::string("TEV_LOG_LEVEL=") + level});
+        ChildProcess child(LOG_CHILD, {"level"}, {{{"TEV_LOG_LEVEL", level}}});
         EXPECT_EQ(child.wait(), 0);
         EXPECT_EQ(child.out(), "4");
         EXPECT_THAT(texts(child.err()), ElementsAre(std::string("TEV_LOG_LEVEL is '") + level +
@@ -148,7 +89,7 @@ TEST(LoggingWrapperProcessTest, badLevelIsReportedAndFourIsUsed) {
 TEST(LoggingWrapperProcessTest, badLevelIsReportedInTheLogFile) {
     const TempFolder folder;
     const std::string file = folder.path() / "log";
-    ChildProcess child(LOG_CHILD, {"level"}, {"TEV_LOG_LEVEL=9\n10", "TEV_LOG_FILE=" + file});
+    ChildProcess child(LOG_CHILD, {"level"}, {{{"TEV_LOG_LEVEL", "9\n10"}, {"TEV_LOG_FILE", file}}});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(child.err(), "");
     EXPECT_THAT(texts(contents(file)), ElementsAre(HasSubstr("TEV_LOG_LEVEL is '9\\n10'")));
@@ -166,7 +107,7 @@ TEST(LoggingWrapperProcessTest, recordsGoToStandardErrorByDefault) {
 }
 
 TEST(LoggingWrapperProcessTest, nothingIsLoggedAtLevelZero) {
-    ChildProcess child(LOG_CHILD, {"once"}, {"TEV_LOG_LEVEL=0"});
+    ChildProcess child(LOG_CHILD, {"once"}, {{{"TEV_LOG_LEVEL", "0"}}});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(child.err(), "");
 }
@@ -174,7 +115,7 @@ TEST(LoggingWrapperProcessTest, nothingIsLoggedAtLevelZero) {
 TEST(LoggingWrapperProcessTest, fileIsAppendedTo) {
     const TempFolder folder;
     const std::string file = folder.write("log", "kept\n");
-    ChildProcess child(LOG_CHILD, {"once"}, {"TEV_LOG_FILE=" + file});
+    ChildProcess child(LOG_CHILD, {"once"}, {{{"TEV_LOG_FILE", file}}});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(child.err(), "");
     const std::string log = contents(file);
@@ -184,7 +125,7 @@ TEST(LoggingWrapperProcessTest, fileIsAppendedTo) {
 
 TEST(LoggingWrapperProcessTest, fileIsForOwnerAndGroupAndNotInherited) {
     const TempFolder folder;
-    ChildProcess child(LOG_CHILD, {"show-file"}, {"TEV_LOG_FILE=" + (folder.path() / "log").string()});
+    ChildProcess child(LOG_CHILD, {"show-file"}, {{{"TEV_LOG_FILE", folder.path() / "log"}}});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(child.out(), "mode 640 close-on-exec append");
 }
@@ -192,7 +133,7 @@ TEST(LoggingWrapperProcessTest, fileIsForOwnerAndGroupAndNotInherited) {
 TEST(LoggingWrapperProcessTest, fileThatIsCutIsFilledFromItsBeginning) {
     const TempFolder folder;
     const std::string file = folder.path() / "log";
-    ChildProcess child(LOG_CHILD, {"rotation"}, {"TEV_LOG_FILE=" + file});
+    ChildProcess child(LOG_CHILD, {"rotation"}, {{{"TEV_LOG_FILE", file}}});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_THAT(texts(contents(file)), ElementsAre("after"));
 }
@@ -205,7 +146,7 @@ TEST(LoggingWrapperProcessTest, standardErrorTakesThePlaceOfAFileThatCannotBeOpe
                                                      {folder.path() / "pipe", "No such device or address"},
                                                      {"", "No such file or directory"}};
     for (const auto& [file, reason] : reasons) {
-        ChildProcess child(LOG_CHILD, {"once"}, {"TEV_LOG_FILE=" + file});
+        ChildProcess child(LOG_CHILD, {"once"}, {{{"TEV_LOG_FILE", file}}});
         EXPECT_EQ(child.wait(), 0);
         EXPECT_THAT(texts(child.err()), ElementsAre("TEV_LOG_FILE is '" + file + "', which cannot be opened: " +
                                                         reason + "; standard error takes its place",
@@ -214,14 +155,14 @@ TEST(LoggingWrapperProcessTest, standardErrorTakesThePlaceOfAFileThatCannotBeOpe
 }
 
 TEST(LoggingWrapperProcessTest, fileThatCannotBeOpenedIsReportedAtLevelZeroToo) {
-    ChildProcess child(LOG_CHILD, {"once"}, {"TEV_LOG_LEVEL=0", "TEV_LOG_FILE=/dev/null/log"});
+    ChildProcess child(LOG_CHILD, {"once"}, {{{"TEV_LOG_LEVEL", "0"}, {"TEV_LOG_FILE", "/dev/null/log"}}});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_THAT(texts(child.err()), ElementsAre(HasSubstr("TEV_LOG_FILE is '/dev/null/log'")));
 }
 
 TEST(LoggingWrapperProcessTest, threadsWriteWholeLinesToStandardErrorInTheirOrder) {
     Pipe pipe(0);
-    ChildProcess child(LOG_CHILD, {"threads"}, {}, {-1, pipe.writing(), false});
+    ChildProcess child(LOG_CHILD, {"threads"}, writingTo(pipe));
     pipe.closeWriting();
     std::map<std::string, int> next;
     for (const std::string& text : texts(pipe.readAll())) {
@@ -237,7 +178,7 @@ TEST(LoggingWrapperProcessTest, threadsWriteWholeLinesToStandardErrorInTheirOrde
 
 TEST(LoggingWrapperProcessTest, recordIsWrittenWholeToAPipeThatIsFullAndDoesNotBlock) {
     Pipe pipe(O_NONBLOCK);
-    ChildProcess child(LOG_CHILD, {"long"}, {}, {-1, pipe.writing(), false});
+    ChildProcess child(LOG_CHILD, {"long"}, writingTo(pipe));
     pipe.closeWriting();
     pipe.waitUntilFull();
     EXPECT_THAT(texts(pipe.readAll()), ElementsAre(std::string(1000000, 'x') + "end"));
@@ -247,7 +188,7 @@ TEST(LoggingWrapperProcessTest, recordIsWrittenWholeToAPipeThatIsFullAndDoesNotB
 TEST(LoggingWrapperProcessTest, recordIsWrittenWholeWhenSignalsInterruptIt) {
     Pipe ticks(0);
     Pipe pipe(0);
-    ChildProcess child(LOG_CHILD, {"interrupted"}, {}, {ticks.writing(), pipe.writing(), false});
+    ChildProcess child(LOG_CHILD, {"interrupted"}, {{}, -1, ticks.writing(), pipe.writing()});
     ticks.closeWriting();
     pipe.closeWriting();
     pipe.waitUntilFull();
@@ -260,7 +201,7 @@ TEST(LoggingWrapperProcessTest, recordIsWrittenWholeWhenSignalsInterruptIt) {
 TEST(LoggingWrapperProcessTest, recordCutByAFullDiskDoesNotSpoilTheNext) {
     const TempFolder folder;
     const std::string file = folder.path() / "log";
-    ChildProcess child(LOG_CHILD, {"full-disk"}, {"TEV_LOG_FILE=" + file});
+    ChildProcess child(LOG_CHILD, {"full-disk"}, {{{"TEV_LOG_FILE", file}}});
     EXPECT_EQ(child.wait(), 0);
     const std::vector<std::string> logged = texts(contents(file));
     ASSERT_EQ(logged.size(), 4U);
@@ -301,7 +242,7 @@ TEST(LoggingWrapperProcessTest, recordThatIsCutHasNoHoles) {
 
 TEST(LoggingWrapperProcessTest, timeIsUtcWhateverTheTimeZone) {
     const std::time_t before = std::time(nullptr);
-    ChildProcess child(LOG_CHILD, {"once"}, {"TZ=East-10:30"});
+    ChildProcess child(LOG_CHILD, {"once"}, {{{"TZ", "East-10:30"}}});
     EXPECT_EQ(child.wait(), 0);
     const std::vector<LogRecord> records = parse(child.err());
     ASSERT_EQ(records.size(), 1U);
@@ -312,7 +253,7 @@ TEST(LoggingWrapperProcessTest, timeIsUtcWhateverTheTimeZone) {
 }
 
 TEST(LoggingWrapperProcessTest, closedStandardErrorDropsTheRecord) {
-    ChildProcess child(LOG_CHILD, {"once"}, {}, {-1, -1, true});
+    ChildProcess child(LOG_CHILD, {"once"}, {{}, -1, -1, ChildProcess::closed});
     EXPECT_EQ(child.wait(), 0);
     EXPECT_EQ(child.out(), "");
 }
@@ -320,7 +261,7 @@ TEST(LoggingWrapperProcessTest, closedStandardErrorDropsTheRecord) {
 TEST(LoggingWrapperProcessTest, readerThatIsGoneDropsTheRecordAndLeavesTheProcessAlone) {
     Pipe pipe(0);
     pipe.closeReading();
-    ChildProcess child(LOG_CHILD, {"sigpipe"}, {}, {-1, pipe.writing(), false});
+    ChildProcess child(LOG_CHILD, {"sigpipe"}, writingTo(pipe));
     EXPECT_EQ(child.wait(), 0);
 }
 

@@ -1,0 +1,51 @@
+#include "LiveLine.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "Descriptor.h"
+#include "Text.h"
+#include "Utf8.h"
+
+namespace TevAgent {
+
+namespace {
+
+constexpr std::size_t usualWidth = 80;  // characters
+
+/// `text` without what goes beyond the terminal's last column but one: at the last one some begin a new line.
+std::string fitted(const std::string& text) {
+    winsize size{};
+    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+    const std::size_t width = (isKnown ? size.ws_col : usualWidth) - 1;
+    std::string line = Text::escaped(Utf8::repaired(text));
+    while (Utf8::length(line) > width) {
+        line.pop_back();
+    }
+    return line;
+}
+
+}  // namespace
+
+LiveLine::LiveLine() : isTerminal(isatty(STDERR_FILENO) == 1) {}
+
+LiveLine::~LiveLine() {
+    clear();
+}
+
+void LiveLine::show(const std::string& text) {
+    if (isTerminal && text != shown) {
+        clear();
+        shown = text;
+        Descriptor::write(STDERR_FILENO, fitted(text));
+    }
+}
+
+void LiveLine::clear() {
+    if (!shown.empty()) {
+        Descriptor::write(STDERR_FILENO, "\r\x1b[K");
+        shown.clear();
+    }
+}
+
+}  // namespace TevAgent

@@ -1,0 +1,120 @@
+#include "Password.h"
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include "Descriptor.h"
+#include "Failure.h"
+#include "Interruption.h"
+
+namespace TevAgent {
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& reason) {
+    throw Failure(ExitStatus::WrongUsage, reason);
+}
+
+/// A file that is closed with the object.
+class OpenFile {
+public:
+    OpenFile(const char* file, int flags) : descriptor(open(file, flags | O_CLOEXEC | O_NOCTTY)) {}
+    ~OpenFile() {
+        if (descriptor != -1) {
+            close(descriptor);
+        }
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    const int descriptor;  ///< -1 when it could not be opened
+};
+
+/// Keeps what is typed from being shown.
+class NoEcho {
+public:
+    explicit NoEcho(int terminalDescriptor) : terminal(terminalDescriptor) {
+        tcgetattr(terminal, &before);
+        termios silent = before;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        silent.c_lflag |= ECHONL;
+        tcsetattr(terminal, TCSAFLUSH, &silent);
+    }
+    ~NoEcho() { tcsetattr(terminal, TCSAFLUSH, &before); }
+    NoEcho(const NoEcho&) = delete;
+    NoEcho& operator=(const NoEcho&) = delete;
+
+private:
+    const int terminal;
+    termios before{};
+};
+
+}  // namespace
+
+Password Password::ask() {
+    const OpenFile terminal("/dev/tty", O_RDWR);
+    if (terminal.descriptor == -1) {
+        refuse("there is no terminal to ask for the password on; give it with --password-stdin or --password-file");
+    }
+    const NoEcho noEcho(terminal.descriptor);
+    Descriptor::write(terminal.descriptor, "Password: ");
+    return Password(terminal.descriptor, "the terminal");
+}
+
+Password Password::fromInput() {
+    return Password(STDIN_FILENO, "standard input");
+}
+
+Password Password::fromFile(const std::string& file) {
+    const OpenFile opened(file.c_str(), O_RDONLY);
+    if (opened.descriptor == -1) {
+        throw Failure(ExitStatus::NotStarted, "the file of --password-file, " + file +
+                                                  ", cannot be used: " + std::generic_category().message(errno));
+    }
+    return Password(opened.descriptor, file);
+}
+
+Password::Password(int descriptor, const std::string& source) {
+    try {
+        read(descriptor, source);
+    } catch (...) {
+        explicit_bzero(line.data(), line.size());
+        throw;
+    }
+}
+
+Password::~Password() {
+    explicit_bzero(line.data(), line.size());
+}
+
+void Password::read(int descriptor, const std::string& source) {
+    for (std::size_t size = 0; size < line.size();) {
+        Interruption::waitForInput(descriptor);
+        const ssize_t count = ::read(descriptor, &line[size], 1);
+        if (count == -1 && (errno == EINTR || errno == EAGAIN)) {
+            continue;
+        }
+        if (count == -1) {
+            throw Failure(ExitStatus::NotStarted,
+                          "cannot read the password from " + source + ": " + std::generic_category().message(errno));
+        }
+        if (count == 0 && size == 0) {
+            refuse(source + " gives no password");
+        }
+        if (count == 0 || line[size] == '\n') {
+            line[size] = '\0';
+            return;
+        }
+        if (line[size++] == '\0') {
+            refuse("the password from " + source + " holds a null byte");
+        }
+    }
+    refuse("the password from " + source + " is longer than " + std::to_string(maxBytes) + " bytes");
+}
+
+}  // namespace TevAgent

@@ -1,0 +1,265 @@
+// The command export as the program carries it out, with components that stand in for a transfer.
+
+#include <Poco/JSON/Object.h>
+#include <Poco/JSON/Parser.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <algorithm>
+
+#include "AgentProcess.h"
+#include "FileText.h"
+#include "Pipe.h"
+#include "Terminal.h"
+#include "TestNode.h"
+
+namespace TevTest {
+
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class ExportTest : public testing::Test {
+protected:
+    std::vector<std::string> arguments(const std::string& component, const std::vector<std::string>& words) const {
+        std::vector<std::string> all = {"--node", node.path(), "--component",
+                                        std::string(TEV_HOSTILE_COMPONENTS) + "/" + component + ".so", "export"};
+        all.insert(all.end(), words.begin(), words.end());
+        return all;
+    }
+
+    /// Exports with the password of a file.
+    AgentOutcome run(const std::string& component, std::vector<std::string> words) const {
+        words.insert(words.end(), {"--password-file", passwordFile});
+        return AgentProcess::run(arguments(component, words));
+    }
+
+    /// How the component says that it was called.
+    static std::string called(const std::string& dn, const std::string& uri, const std::string& password) {
+        return "export " + dn + " (type 9, 1: " + uri + ") (type 9, 1: " + password + ")\n";
+    }
+
+    TestNode node;
+    const TempFolder folder;
+    const std::string passwordFile = folder.write("password", "secret\nnot this\n");
+    const std::string success = "tev-agent: File transfer successful\n";
+};
+
+TEST_F(ExportTest, callsTheActionWithTheUriAndThePassword) {
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://u@h:22/p/"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://u@h:22/p/", "secret") + success);
+}
+
+TEST_F(ExportTest, takesADnAsItIs) {
+    const std::string dn = "ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two";
+    EXPECT_EQ(run("exports_as_told", {"ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two", "sftp://h/"}).err,
+              called(dn, "sftp://h/", "secret") + success);
+}
+
+TEST_F(ExportTest, aFailureNamesTheModelAndGivesTheOperatorsMessage) {
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://fails/"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, EndsWith("\ntev-agent: cannot export one: SFTP error: nobody is there\n"));
+}
+
+TEST_F(ExportTest, aFailureWithoutAMessageNamesTheComponentAndTheCode) {
+    EXPECT_THAT(run("exports_as_told", {"one", "sftp://silent/"}).err,
+                EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService returned -13\n"));
+    const std::string dn = "ManagedElement=1,Transport=1";
+    const AgentOutcome outcome = run("exports_as_told", {dn, "sftp://h/"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "tev-agent: cannot export " + dn + ": the object store returned -1 (failure)\n");
+}
+
+TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://throws/"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err,
+                EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService threw in action: an "
+                         "exception of type int\n"));
+}
+
+TEST_F(ExportTest, aTransactionThatFailsIsAFailure) {
+    const AgentOutcome outcome = run("votes_no", {"one", "sftp://h/"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("finds the transaction invalid\n"));
+}
+
+TEST_F(ExportTest, readsThePasswordFromStandardInput) {
+    Pipe pipe(0);
+    AgentProcess::Setting setting;
+    setting.in = pipe.reading();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}), setting);
+    ASSERT_EQ(write(pipe.writing(), "pass word\nmore", 14), 14);
+    // The end of the line is enough.
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "pass word") + success);
+}
+
+TEST_F(ExportTest, needsAPassword) {
+    const AgentOutcome empty =
+        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}));
+    EXPECT_EQ(empty.status, 2);
+    EXPECT_EQ(empty.err, "tev-agent: standard input gives no password\n");
+    const AgentOutcome none = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/"}));
+    EXPECT_EQ(none.status, 2);
+    EXPECT_EQ(none.err,
+              "tev-agent: there is no terminal to ask for the password on; give it with --password-stdin or "
+              "--password-file\n");
+    const AgentOutcome noFile =
+        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", "/nowhere"}));
+    EXPECT_EQ(noFile.status, 3);
+    EXPECT_EQ(noFile.err,
+              "tev-agent: the file of --password-file, /nowhere, cannot be used: No such file or directory\n");
+}
+
+TEST_F(ExportTest, asksForThePasswordOnTheTerminalWithoutEcho) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    terminal.waitFor("Password: ");
+    EXPECT_FALSE(terminal.hasEcho());
+    terminal.type("typed\n");
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "typed") + success);
+    EXPECT_EQ(terminal.shown(), "Password: \r\n");
+    EXPECT_TRUE(terminal.hasEcho());
+}
+
+TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoBack) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Terminal terminal;
+        AgentProcess::Setting setting;
+        setting.terminal = terminal.path();
+        AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+        terminal.waitFor("Password: ");
+        terminal.type("half");
+        agent.send(signal);
+        const AgentOutcome outcome = agent.outcome();
+        EXPECT_EQ(outcome.status, 130);
+        EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+        EXPECT_TRUE(terminal.hasEcho());
+    }
+}
+
+TEST_F(ExportTest, anInterruptTypedOnTheTerminalIsOneToo) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    terminal.waitFor("Password: ");
+    terminal.type("\x03");
+    EXPECT_EQ(agent.outcome().status, 130);
+}
+
+TEST_F(ExportTest, anInterruptEndsTheWaitForAPasswordOnStandardInput) {
+    const Pipe pipe(0);
+    AgentProcess::Setting setting;
+    setting.in = pipe.reading();
+    AgentProcess agent(arguments("prints", {"one", "sftp://h/", "--password-stdin"}), setting);
+    agent.waitForError("started\n");
+    agent.send(SIGTERM);
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_THAT(outcome.err, EndsWith("tev-agent: interrupted\n"));
+}
+
+TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAModelThatIsNotThere) {
+    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "tev-agent: there is no " + TestNode::schemaDn("Nothing") + "\n");
+}
+
+TEST_F(ExportTest, exportsEveryModelSeveralAtATimeWithOneLineEach) {
+    const AgentOutcome outcome = run("exports_in_company", {"--all", "--jobs", "2", "sftp://h/p"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 6);
+    for (const std::string id : {"0", "1", "2", "3", "4", "5"}) {
+        EXPECT_THAT(outcome.out, HasSubstr(id + (id == "2" ? ": failed" : ": exported") + ": two at a time for " +
+                                           TestNode::schemaDn(id) + "\n"));
+    }
+}
+
+TEST_F(ExportTest, exportsEveryModelToTheFolderThatTheUriNames) {
+    const AgentOutcome outcome = run("exports_as_told", {"--all", "--jobs", "1", "sftp://h/p"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "one: exported: File transfer successful\ntwo: exported: File transfer successful\n");
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p/", "secret") +
+                               called(TestNode::schemaDn("two"), "sftp://h/p/", "secret"));
+}
+
+TEST_F(ExportTest, writesTheResultsOfEveryModelAsJsonInTheirOrder) {
+    const AgentOutcome outcome = run("exports_in_company", {"--all", "--jobs=2", "--output=json", "sftp://h/p"});
+    EXPECT_EQ(outcome.status, 1);
+    const auto root = Poco::JSON::Parser().parse(outcome.out).extract<Poco::JSON::Object::Ptr>();
+    const auto exports = root->getArray("exports");
+    ASSERT_EQ(exports->size(), 6U);
+    for (unsigned int i = 0; i < exports->size(); ++i) {
+        const auto one = exports->getObject(i);
+        EXPECT_EQ(one->getValue<std::string>("model"), std::to_string(i));
+        EXPECT_EQ(one->getValue<bool>("exported"), i != 2);
+        EXPECT_EQ(one->getValue<std::string>("message"), "two at a time for " + TestNode::schemaDn(std::to_string(i)));
+    }
+}
+
+TEST_F(ExportTest, showsOnATerminalWhatIsUnderWayAndForHowLong) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.err = terminal.descriptor();
+    node.writeModel("one.xml", "<mom name=\"one\">" + std::string(2000, ' ') + "</mom>");
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", passwordFile}), setting);
+    EXPECT_EQ(agent.outcome().status, 0);
+    EXPECT_THAT(terminal.shown(), AllOf(StartsWith("one, 2.0 kB: 0 s of 60 s"),
+                                        EndsWith("\r\x1b[Ktev-agent: File transfer successful\r\n")));
+}
+
+TEST_F(ExportTest, showsNoMoreThanTheTerminalHasRoomFor) {
+    Terminal terminal;
+    terminal.setWidth(15);
+    AgentProcess::Setting setting;
+    setting.err = terminal.descriptor();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", passwordFile}), setting);
+    EXPECT_EQ(agent.outcome().status, 0);
+    EXPECT_THAT(terminal.shown(), StartsWith("one: 0 s of 60"));
+    EXPECT_THAT(terminal.shown(), Not(HasSubstr("60 ")));
+}
+
+TEST_F(ExportTest, showsABarOnATerminalForEveryModel) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.err = terminal.descriptor();
+    setting.out = terminal.descriptor();
+    AgentProcess agent(
+        arguments("exports_in_company", {"--all", "--jobs", "2", "sftp://h/p", "--password-file", passwordFile}),
+        setting);
+    EXPECT_EQ(agent.outcome().status, 1);
+    EXPECT_THAT(terminal.shown(), StartsWith("[....................] 0 of 6, 0 failed, 0 s\r\x1b[K"));
+    for (const std::string id : {"0", "1", "2", "3", "4", "5"}) {
+        EXPECT_THAT(terminal.shown(), testing::AnyOf(HasSubstr("\r\x1b[K" + id + ": "), HasSubstr("\n" + id + ": ")));
+    }
+    EXPECT_THAT(terminal.shown(), HasSubstr(" of 6, 1 failed, "));
+}
+
+TEST_F(ExportTest, exportsNothingOfANodeWithoutModels) {
+    const TempFolder empty;
+    const AgentOutcome outcome =
+        AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/", "--password-file", passwordFile});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+}
+
+}  // namespace
+
+}  // namespace TevTest
