@@ -1,10 +1,17 @@
 #include "SftpTest.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
+#include <fstream>
 #include <iterator>
 #include <random>
+#include <system_error>
+#include <thread>
 
 #include "FileText.h"
 #include "LoggingWrapper.h"
@@ -16,20 +23,63 @@ std::ostream& operator<<(std::ostream& stream, const TransferOutcome& outcome) {
 }
 
 TransferOutcome Transfer::run() const {
-    Tev::SftpWrapper wrapper(program, user, password, host, port, Tev::SftpWrapper::Upload, localFile, remotePath, debug,
-                             ciphers, keyExchanges, macs, timeout, dscp);
+    Tev::SftpWrapper wrapper(program, user, password, host, port, Tev::SftpWrapper::Upload, localFile, remotePath,
+                             debug, ciphers, keyExchanges, macs, timeout, dscp);
     const TevReturnT code = wrapper.execute();
     return {code, wrapper.getErrorMessage()};
 }
 
-SftpTest::SftpTest() : stateFolder("TEV_STATE_DIR", state.path().string()) {}
+TransferOutcome Transfer::runInChild(const std::function<void()>& prepare) const {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        throw std::system_error(errno, std::generic_category(), "pipe2");
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        prepare();
+        const std::size_t descriptors = openDescriptors();
+        TransferOutcome outcome = run();
+        if (openDescriptors() != descriptors || waitpid(-1, nullptr, WNOHANG) != -1) {
+            outcome.code = 99;
+        }
+        const std::string text = std::to_string(outcome.code) + ' ' + outcome.sentence;
+        _exit(write(ends[1], text.data(), text.size()) > 0 ? 0 : 1);
+    }
+    close(ends[1]);
+    std::string text;
+    char buffer[1024];
+    ssize_t count = 0;
+    while ((count = TEMP_FAILURE_RETRY(read(ends[0], buffer, sizeof buffer))) > 0) {
+        text.append(buffer, static_cast<std::size_t>(count));
+    }
+    close(ends[0]);
+    TEMP_FAILURE_RETRY(waitpid(child, nullptr, 0));
+    const std::size_t blank = text.find(' ');
+    return blank == std::string::npos ? TransferOutcome{98, "the child ended early"}
+                                      : TransferOutcome{std::stoi(text), text.substr(blank + 1)};
+}
 
-void SftpTest::SetUp() {
+void waitUntil(const std::function<bool()>& isTrue) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!isTrue()) {
+        ASSERT_LT(std::chrono::steady_clock::now(), end) << "what the test waits for does not happen";
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+long millisecondsOf(const std::function<void()>& action) {
+    const auto begin = std::chrono::steady_clock::now();
+    action();
+    return static_cast<long>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin).count());
+}
+
+SftpTest::SftpTest() : stateFolder("TEV_STATE_DIR", state.path().string()) {
     Tev::LoggingWrapper::instance();  // it keeps its file open
     descriptorsBefore = openDescriptors();
 }
 
-void SftpTest::TearDown() {
+SftpTest::~SftpTest() {
     EXPECT_EQ(openDescriptors(), descriptorsBefore);
     EXPECT_THAT(clients(), testing::IsEmpty());
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left";
@@ -49,6 +99,14 @@ Transfer SftpTest::transferTo(const SftpServer& server, const std::string& text)
     transfer.localFile = local.write("local", text);
     transfer.remotePath = server.folder() / "remote";
     return transfer;
+}
+
+void SftpTest::putOldFile(const Transfer& transfer) {
+    std::ofstream(transfer.remotePath) << "old";
+}
+
+bool SftpTest::isOldFileWhole(const Transfer& transfer) {
+    return contents(transfer.remotePath) == "old";
 }
 
 std::vector<pid_t> SftpTest::clients() const {

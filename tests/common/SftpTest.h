@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -43,17 +44,30 @@ struct Transfer {
     unsigned char dscp = 0;
 
     TransferOutcome run() const;
+
+    /// Runs in a child process after `prepare`, which may change the process as it likes. The code is 99 when the child
+    /// had another number of descriptors afterwards, or a child that nobody waited for.
+    TransferOutcome runInChild(const std::function<void()>& prepare) const;
 };
+
+/// Returns once `isTrue`; fails when that takes longer than ten seconds.
+void waitUntil(const std::function<bool()>& isTrue);
+
+/// How long `action` takes, in milliseconds.
+long millisecondsOf(const std::function<void()>& action);
 
 /// A test's own state folder and local files. It fails when a transfer has left a process, a zombie or a descriptor.
 class SftpTest : public testing::Test {
 protected:
     SftpTest();
-    void SetUp() override;
-    void TearDown() override;
+    ~SftpTest() override;
 
     /// Sends the file "local" (its text is `text`) to the file "remote" in the server's folder.
     Transfer transferTo(const SftpServer& server, const std::string& text = "new") const;
+
+    /// Puts an old file into the place that `transfer` writes to, to be compared with by `isOldFileWhole`.
+    static void putOldFile(const Transfer& transfer);
+    static bool isOldFileWhole(const Transfer& transfer);
 
     /// The processes that have the test's state folder on their command line: SFTP clients and what they start.
     std::vector<pid_t> clients() const;
@@ -63,7 +77,7 @@ protected:
 
 private:
     const EnvironmentVariable stateFolder;
-    std::size_t descriptorsBefore = 0;
+    std::size_t descriptorsBefore;
 };
 
 /// How many descriptors the process has open.

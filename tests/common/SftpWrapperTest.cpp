@@ -60,22 +60,14 @@ std::vector<std::string> difficultNames() {
             all += static_cast<char>(byte);
         }
     }
-    return {all,
-            std::string(all.rbegin(), all.rend()),
-            "-x",
-            "~",
-            "*",
-            "a b",
-            " leading",
-            "trailing\\",
-            "\"quoted\"",
-            "it's",
-            "[a-z]?",
-            "#x",
-            "!touch x",
-            "$(id)",
-            "\\\"",
-            "käse"};
+    return {all,          std::string(all.rbegin(), all.rend()),
+            "-x",         "~",
+            "*",          "a b",
+            " leading",   "trailing\\",
+            "\"quoted\"", "it's",
+            "[a-z]?",     "#x",
+            "!touch x",   "$(id)",
+            "\\\"",       "käse"};
 }
 
 TEST_F(SftpWrapperTest, remoteNameIsTakenAsItIs) {

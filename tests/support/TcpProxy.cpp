@@ -183,7 +183,8 @@ bool TcpProxy::carry(int client, int server, std::size_t& carried) {
         return false;
     }
     if (rate > 0) {
-        std::this_thread::sleep_for(std::chrono::duration<double>(static_cast<double>(received) / static_cast<double>(rate)));
+        std::this_thread::sleep_for(
+            std::chrono::duration<double>(static_cast<double>(received) / static_cast<double>(rate)));
     }
     return true;
 }

@@ -8,8 +8,8 @@
 
 namespace Tev {
 
-/// How the SFTP client is called: it takes its commands from standard input, asks for the password on its terminal, keeps
-/// to the known-hosts file of `knownHostsOption`, and uses none of the user's own configuration, keys and agents.
+/// How the SFTP client is called: it takes its commands from standard input, asks for the password on its terminal,
+/// keeps to the known-hosts file of `knownHostsOption`, and uses none of the user's own configuration, keys and agents.
 /// `settings` have been checked; `connectSeconds` is the time for a connection, at least 1.
 std::vector<std::string> clientCommandLine(const TransferSettings& settings, const std::string& knownHostsOption,
                                            int connectSeconds);

@@ -53,8 +53,7 @@ public:
         posix_spawnattr_setsigdefault(&attributes, &signals);
         sigemptyset(&signals);
         posix_spawnattr_setsigmask(&attributes, &signals);
-        posix_spawnattr_setflags(&attributes,
-                                 POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
     }
     ~SpawnSettings() {
         posix_spawnattr_destroy(&attributes);
@@ -112,7 +111,7 @@ ClientProcess::ClientProcess(const std::vector<std::string>& words, const FileDe
     settings.closeFrom(5);
     // A fork would copy the page tables of a host of any size.
     const int failure = posix_spawn(&pid, words[0].c_str(), &settings.actions, &settings.attributes,
-                                  pointers(words).data(), pointers(environment).data());
+                                    pointers(words).data(), pointers(environment).data());
     if (failure != 0) {
         throw TevException("the SFTP client %s cannot be started: %s", words[0].c_str(),
                            std::generic_category().message(failure).c_str());
@@ -166,7 +165,9 @@ void ClientProcess::end() noexcept {
     input.close();
     siginfo_t ignored{};
     // Nobody else has that number while the process is there, or ended but not yet waited for.
-    const auto isOurs = [&] { return waitid(P_PID, static_cast<id_t>(pid), &ignored, WEXITED | WNOHANG | WNOWAIT) == 0; };
+    const auto isOurs = [&] {
+        return waitid(P_PID, static_cast<id_t>(pid), &ignored, WEXITED | WNOHANG | WNOWAIT) == 0;
+    };
     if (!hasEndedWithin(0) && isOurs()) {
         // Asked to leave, the client waits for the process that it has started; killed, it would leave that to others.
         kill(-pid, SIGTERM);

@@ -23,7 +23,8 @@ bool beginsWith(std::string_view text, std::initializer_list<std::string_view> b
 
 /// What the client says without a failure, or after one that it has told.
 bool isNoise(std::string_view line) {
-    return line.find_first_not_of(' ') == std::string_view::npos || line == "Interrupt" || line == "Connection closed" ||
+    return line.find_first_not_of(' ') == std::string_view::npos || line == "Interrupt" ||
+           line == "Connection closed" ||
            beginsWith(line, {"debug1: ", "OpenSSH_", "Authenticated to ", "Transferred: ", "Bytes per second: ",
                              "Warning: Permanently added ", "Couldn't send packet: Broken pipe", "@@@"});
 }
@@ -59,6 +60,10 @@ std::vector<std::string> ClientWords::take() {
 
 void ClientWords::endLine() {
     line = printable(line);
+    // "packet.c:sshpkt_vfatal():1909 (pid=1): " before what is said although the log level does not ask for it.
+    if (beginsWith(line, {"packet.c:"}) && line.find("): ") != std::string::npos) {
+        line.erase(0, line.find("): ") + 3);
+    }
     while (!line.empty() && line.back() == ' ') {
         line.pop_back();
     }

@@ -24,8 +24,8 @@ constexpr int pollSlice = 100;      // milliseconds, after which an interruption
 constexpr int timeToCleanUp = 600;  // milliseconds
 constexpr int timeToLeave = 1000;   // milliseconds
 
-/// The time that the client itself gives to a connection: more than ours, so that a whole second ends nothing early. When
-/// we set none, it still ends with a server that says nothing.
+/// The time that the client itself gives to a connection: more than ours, so that a whole second ends nothing early.
+/// When we set none, it still ends with a server that says nothing.
 int connectSeconds(const TransferSettings& settings, const Deadline& deadline) {
     constexpr int withoutTimeout = 120;
     return settings.timeout > 0 ? deadline.timeLeft(INT_MAX - 1000) / 1000 + 1 : withoutTimeout;

@@ -27,7 +27,8 @@ FileDescriptor openLocal(const std::string& path) {
     FileDescriptor file(opened, "open");
     struct stat status {};
     if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        throw TevException(TevReturnInvalidArgument, "the local file %s is not a regular file", printable(path).c_str());
+        throw TevException(TevReturnInvalidArgument, "the local file %s is not a regular file",
+                           printable(path).c_str());
     }
     return file;
 }
@@ -68,7 +69,8 @@ void SftpUpload::run() {
         return;
     }
     if (isRenamed) {
-        throw withRest(session.stop() == Stop::None ? failure.ofRename(renameWords) : stopped(session), remove(session));
+        throw withRest(session.stop() == Stop::None ? failure.ofRename(renameWords) : stopped(session),
+                       remove(session));
     }
     if (session.stop() != Stop::None) {
         throw withRest(stopped(session), Removal::Failed);

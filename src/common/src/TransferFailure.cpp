@@ -39,7 +39,8 @@ TevException TransferFailure::ofConnection(const std::vector<std::string>& words
          "the server %h does not accept the user %u with this password"},
         {": Permission denied (", "keyboard-interactive", TevReturnFailure,
          "the server %h does not accept the user %u with this password"},
-        {": Permission denied (", "", TevReturnFailure, "the server %h does not let the user %u in with a password: %r"},
+        {": Permission denied (", "", TevReturnFailure,
+         "the server %h does not let the user %u in with a password: %r"},
         {"Bad SSH2 ", "", TevReturnFailure, "the SFTP client does not know all of the selected algorithms: %r"},
         {"Unable to negotiate with ", "", TevReturnFailure,
          "the server %h and the selected algorithms have nothing in common: %n"},
@@ -70,7 +71,8 @@ TevException TransferFailure::ofPut(const std::vector<std::string>& words) const
 TevException TransferFailure::ofRename(const std::vector<std::string>& words) const {
     static const std::vector<Row> rows = {
         {"remote rename ", ": Failure", TevReturnFailure,
-         "the server does not put the file in the place of %f: if that is a folder, end the path with \"/\"; otherwise the "
+         "the server does not put the file in the place of %f: if that is a folder, end the path with \"/\"; otherwise "
+         "the "
          "server cannot replace a file"},
         {"remote rename ", "", TevReturnFailure, "the server does not put the file in the place of %f: %r"},
         {"", "", TevReturnFailure, "the server does not put the file in the place of %f: %l"}};
@@ -121,7 +123,8 @@ std::string TransferFailure::filled(const std::string& sentence, const std::stri
                 break;
             case 'n':
                 // "… port 22: no matching cipher found. Their offer: …"
-                result += afterLast(line, " port " + (settings.port.empty() ? std::string("22") : settings.port) + ": ");
+                result +=
+                    afterLast(line, " port " + (settings.port.empty() ? std::string("22") : settings.port) + ": ");
                 break;
             case 'r':
                 result += afterLast(line, ": ");

@@ -39,7 +39,9 @@ bool isControl(char character) {
 
 bool isHostName(const std::string& text) {
     return !text.empty() && text.size() <= longestHost && isOneOf(text[0], {letters, digits, "_"sv}) &&
-           std::all_of(text.begin(), text.end(), [](char c) { return isOneOf(c, {letters, digits, "._-"sv}); });
+           std::all_of(text.begin(), text.end(), [](char c) {
+               return isOneOf(c, {letters, digits, "._-"sv});
+           });
 }
 
 /// With or without a zone, as in "fe80::1%eth0".
@@ -121,8 +123,8 @@ std::string checkedPort(const std::string& port) {
     if (port.empty() || port == "0") {
         return {};
     }
-    const bool isNumber = port.size() <= 5 && port.front() != '0' &&
-                          port.find_first_not_of(digits) == std::string::npos;
+    const bool isNumber =
+        port.size() <= 5 && port.front() != '0' && port.find_first_not_of(digits) == std::string::npos;
     if (!isNumber || std::stoi(port) > 65535) {
         refuse("the port is not a number from 1 to 65535");
     }
@@ -134,11 +136,12 @@ void checkAlgorithms(const std::string& list, const char* what) {
     char before = ',';
     for (const char character : list + (list.empty() ? "" : ",")) {
         const bool isFirst = before == ',';
-        const bool isFine = character == ',' ? !isFirst
-                                             : isOneOf(character, {letters, digits, "@._"sv}) ||
-                                                   (character == '-' && !isFirst);
+        const bool isFine = character == ','
+                                ? !isFirst
+                                : isOneOf(character, {letters, digits, "@._"sv}) || (character == '-' && !isFirst);
         if (!isFine) {
-            throw TevException(TevReturnInvalidArgument, "the list of %s is not one of names separated by commas", what);
+            throw TevException(TevReturnInvalidArgument, "the list of %s is not one of names separated by commas",
+                               what);
         }
         before = character;
     }

@@ -23,8 +23,8 @@ struct TransferSettings {
     unsigned char dscp;
 
     /// The same settings in the form in which the client takes them: the user decoded, the port empty where the client
-    /// is to choose it, a name as host without brackets. No part of them can be taken for an option, a second command or
-    /// a pattern. Throws TevException with code -8 and a text that names the setting for what cannot be passed on.
+    /// is to choose it, a name as host without brackets. No part of them can be taken for an option, a second command
+    /// or a pattern. Throws TevException with code -8 and a text that names the setting for what cannot be passed on.
     TransferSettings checked() const;
 };
 
