@@ -285,21 +285,22 @@ TEST_F(SftpFailureTest, fullDisk) {
 }
 
 // With several requests in flight the client forgot the failed write when a later one succeeded: it ended with 0, and
-// the file had the right size and a hole.
+// the file had the right size and a hole. The link is slow enough for some of those requests to fail and others to
+// succeed.
 TEST_F(SftpFailureTest, momentOfFullDiskIsAFailure) {
+    constexpr std::uintmax_t limit = 1'000'000;
     SftpServer::Setting setting;
-    setting.fileSizeLimit = 1'000'000;
+    setting.fileSizeLimit = limit;
     const SftpServer server(setting);
-    const Transfer transfer = transferOver(server, randomBytes(large));
+    TcpProxy proxy(server.host(), server.port());
+    proxy.slowDownTo(5'000'000);
+    Transfer transfer = transferOver(server, randomBytes(10'000'000));
+    transfer.port = proxy.port();
     std::thread freeing([&] {
         waitUntil([&] {
-            for (const std::string& name : server.names()) {
-                std::error_code ignored;
-                if (std::filesystem::file_size(server.folder() / name, ignored) == 1'000'000) {
-                    return true;
-                }
-            }
-            return false;
+            const std::vector<std::string> names = server.names();
+            std::error_code ignored;
+            return names.size() == 2 && std::filesystem::file_size(server.folder() / names[0], ignored) == limit;
         });
         server.limitFileSize(RLIM_INFINITY);
     });
@@ -307,6 +308,7 @@ TEST_F(SftpFailureTest, momentOfFullDiskIsAFailure) {
         transfer.run(),
         outcome(-1, "the server does not store the whole file, its disk may be full or a limit reached: Failure"));
     freeing.join();
+    EXPECT_LT(proxy.bytes(), 5'000'000U);
     expectUntouched(server, transfer);
 }
 
@@ -532,12 +534,17 @@ TEST_F(SftpFailureTest, clientProgramThatIsNotThere) {
 /// A program in the client's place, for what no server of ours does.
 class SftpClientTest : public SftpFailureTest {
 protected:
-    TransferOutcome runWith(const std::string& script, long timeout = 10000) const {
+    Transfer transferWith(const std::string& script) const {
         Transfer transfer;
         transfer.program = local.write("client", "#!/bin/sh\n" + script);
         chmod(transfer.program.c_str(), 0755);
         transfer.localFile = local.write("local", "");
         transfer.remotePath = "/x";
+        return transfer;
+    }
+
+    TransferOutcome runWith(const std::string& script, long timeout = 10000) const {
+        Transfer transfer = transferWith(script);
         transfer.timeout = timeout;
         return transfer.run();
     }
@@ -564,9 +571,35 @@ TEST_F(SftpClientTest, clientThatDoesNotWantToGoIsEnded) {
                 Lt(1500));
 }
 
+TEST_F(SftpClientTest, clientThatGoesBetweenTwoCommandsIsNoSignalToTheHost) {
+    const Transfer transfer = transferWith("read -r line; exec <&-; echo SFTP protocol version 3; sleep 0.2\n");
+    EXPECT_THAT(transfer.runInChild([] {
+        std::signal(SIGPIPE, SIG_DFL);
+        sigset_t none;
+        sigemptyset(&none);
+        sigprocmask(SIG_SETMASK, &none, nullptr);
+    }),
+                outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
+}
+
+// The answer to the renaming may get lost. Then the temporary file's absence tells that the file is in its place.
+TEST_F(SftpClientTest, lostAnswerToTheRenamingIsNoFailure) {
+    const std::string version = "echo SFTP protocol version 3\n";
+    const std::string first =
+        "read -r v; " + version + "read -r put; read -r v; " + version + "read -r rename; exit 255\n";
+    const std::string second = "read -r v; " + version + "read -r rm; read -r v; ";
+    const std::string mark = local.path() / "mark";
+    const std::string both = "if mkdir " + mark + "; then " + first + "fi\n" + second;
+    EXPECT_EQ(runWith(both + "echo 'remote delete /x: No such file or directory' >&2; " + version), success);
+    std::filesystem::remove(mark);
+    EXPECT_THAT(runWith(both + version),
+                outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
+}
+
 TEST_F(SftpClientTest, wordsWithoutEndAreBorne) {
-    EXPECT_THAT(runWith("head -c 20000000 /dev/zero | tr '\\0' x >&2; head -c 20000000 /dev/zero\n"),
-                outcome(-1, StartsWith("no connection to 127.0.0.1, port 22: xxx")));
+    const TransferOutcome result = runWith("head -c 20000000 /dev/zero | tr '\\0' x >&2; head -c 20000000 /dev/zero\n");
+    EXPECT_THAT(result, outcome(-1, StartsWith("no connection to 127.0.0.1, port 22: xxx")));
+    EXPECT_LT(result.sentence.size(), 5000U);
 }
 
 TEST_F(SftpClientTest, controlCharactersOfTheServerAreNotShown) {

@@ -45,20 +45,23 @@ using TevTest::waitUntil;
 /// Transfers in hosts of every kind.
 class SftpHostTest : public TevTest::SftpTest {
 protected:
-    /// A transfer whose server never answers, ends with its time-out in a host that `prepare` has prepared.
+    /// A transfer that takes too long ends with its time-out, and leaves nothing, in a host that `prepare` has
+    /// prepared.
     void expectTimeoutInChild(const std::function<void()>& prepare) {
         const SftpServer server;
         TcpProxy proxy(server.host(), server.port());
-        proxy.holdAfter(1);
-        Transfer transfer = transferTo(server);
+        proxy.slowDownTo(2'000'000);
+        Transfer transfer = transferTo(server, TevTest::randomBytes(10'000'000));
         transfer.port = proxy.port();
-        transfer.timeout = 500;
+        transfer.timeout = 2000;
         EXPECT_THAT(millisecondsOf([&] {
                         EXPECT_EQ(transfer.runInChild(prepare),
-                                  (TransferOutcome{-1, "the transfer was not over after 500 ms"}));
+                                  (TransferOutcome{-1, "the transfer was not over after 2000 ms"}));
                     }),
-                    AllOf(Ge(500), Lt(1600)));
+                    AllOf(Ge(2000), Lt(3000)));
+        EXPECT_GT(proxy.bytes(), 100'000U);
         EXPECT_THAT(clients(), IsEmpty());
+        EXPECT_THAT(server.names(), IsEmpty());
     }
 
     void expectSuccessInChild(const std::function<void()>& prepare) {
@@ -229,6 +232,11 @@ TEST_F(SftpHostTest, hostThatIsKilledLeavesNoClient) {
         const std::size_t carried = proxy.bytes() + bytes;
         const pid_t host = fork();
         if (host == 0) {
+            // What the client would inherit.
+            std::signal(SIGHUP, SIG_IGN);
+            sigset_t all;
+            sigfillset(&all);
+            sigprocmask(SIG_SETMASK, &all, nullptr);
             transfer.run();
             _exit(0);
         }

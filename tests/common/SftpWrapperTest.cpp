@@ -102,13 +102,15 @@ TEST_F(SftpWrapperTest, localNameWithANewlineIsReadAsAnyOther) {
 
 TEST_F(SftpWrapperTest, relativePathBeginsAtTheUsersFolder) {
     const SftpServer server;
-    for (const char* const path : {"file", "-x", "~file"}) {
+    std::filesystem::create_directory(server.folder() / "-d");
+    std::filesystem::permissions(server.folder() / "-d", std::filesystem::perms(0777));
+    for (const char* const path : {"file", "-x", "~file", "-d/file"}) {
         Transfer transfer = transferTo(server, path);
         transfer.remotePath = path;
         EXPECT_EQ(transfer.run(), success);
         EXPECT_EQ(contents(server.folder() / path), path);
     }
-    EXPECT_THAT(server.names(), ElementsAre("-x", "file", "~file"));
+    EXPECT_THAT(server.names(), ElementsAre("-d", "-x", "file", "~file"));
 }
 
 TEST_F(SftpWrapperTest, remoteFileGetsTheLocalModeAndReplacesALink) {
@@ -188,14 +190,16 @@ TEST_F(SftpWrapperTest, debugDoesNotHideAFailure) {
 }
 
 TEST_F(SftpWrapperTest, bannerOfTheServerIsNoFailure) {
+    const std::string banner = "dest open \"x\": Permission denied\r\nHost key for x has changed\r\n";
     SftpServer::Setting setting;
-    setting.configuration = {"Banner " + local.write("banner", "dest open \"x\": Permission denied\r\n")};
+    setting.configuration = {"Banner " + local.write("banner", banner)};
     std::filesystem::permissions(local.path(), std::filesystem::perms(0755));
     const SftpServer server(setting);
     Transfer transfer = transferTo(server);
     EXPECT_EQ(transfer.run(), success);
     transfer.debug = true;
     EXPECT_EQ(transfer.run(), success);
+    transfer.debug = false;
     transfer.password = "wrong";
     EXPECT_EQ(transfer.run().sentence, "the server 127.0.0.1 does not accept the user tester with this password");
 }

@@ -21,8 +21,8 @@ const char* const marker = "version\n";
 constexpr std::string_view markerAnswer = "SFTP protocol version";
 
 constexpr int pollSlice = 100;      // milliseconds, after which an interruption is seen
-constexpr int timeToCleanUp = 600;  // milliseconds
-constexpr int timeToLeave = 1000;   // milliseconds
+constexpr int timeToCleanUp = 500;  // milliseconds
+constexpr int timeToLeave = 300;    // milliseconds
 
 /// The time that the client itself gives to a connection: more than ours, so that a whole second ends nothing early.
 /// When we set none, it still ends with a server that says nothing.

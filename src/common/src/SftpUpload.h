@@ -21,6 +21,8 @@ public:
     /// The time-out begins here. Throws TevException for settings that are refused, and for a local file or a
     /// known-hosts file that cannot be used.
     explicit SftpUpload(const TransferSettings& settings);
+    SftpUpload(const SftpUpload&) = delete;
+    SftpUpload& operator=(const SftpUpload&) = delete;
 
     /// Throws TevException, with a sentence for the operator, when the transfer fails.
     void run();

@@ -82,7 +82,7 @@ TevException TransferFailure::ofRename(const std::vector<std::string>& words) co
 TevException TransferFailure::ofBrokenConnection(const std::vector<std::string>& words) const {
     static const std::vector<Row> rows = {
         {"not responding", "", TevReturnFailure, "the server %h does not answer any more"},
-        {"", "", TevReturnFailure, "the connection to %h broke in the middle of the transfer: %l"}};
+        {"", "", TevReturnFailure, "the connection to %h broke in the middle of the transfer: %r"}};
     return find(rows, words);
 }
 
