@@ -135,7 +135,7 @@ ExitStatus Commands::exportModels(Agent& agent) {
     const auto tell = [&](const ExportResult& result) {
         if (settings.isEveryModel) {
             output.write(isTable ? TableText::of(result) : "");
-        } else if (result.isExported) {
+        } else if (result.isExported && !result.message.empty()) {
             Diagnostics::say(result.message);
         }
     };

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 
 #include "SftpWrapper.h"
@@ -16,6 +17,7 @@ std::atomic<bool> isNoted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "the signal handler may set it");
 
 constexpr std::array<int, 2> watched = {SIGINT, SIGTERM};
+constexpr int pollSlice = 200;  // milliseconds
 
 void note(int) {
     isNoted = true;
@@ -28,27 +30,6 @@ void note(int) {
     }
     Tev::SftpWrapper::interruptAll();
 }
-
-/// Keeps the signals back while it lives.
-class Held {
-public:
-    Held() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int signal : watched) {
-            sigaddset(&signals, signal);
-        }
-        pthread_sigmask(SIG_BLOCK, &signals, &before);
-    }
-    ~Held() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-
-    const sigset_t* maskBefore() const { return &before; }
-
-private:
-    sigset_t before;
-};
 
 }  // namespace
 
@@ -75,12 +56,13 @@ void Interruption::check() {
 }
 
 void Interruption::waitForInput(int descriptor) {
-    // A signal between the look and the wait would go unnoticed.
-    const Held held;
-    check();
     pollfd input{descriptor, POLLIN, 0};
-    ppoll(&input, 1, nullptr, held.maskBefore());
-    check();
+    int count = 0;
+    do {
+        check();
+        // In slices: the signal may come just before the wait, or to another thread.
+        count = poll(&input, 1, pollSlice);
+    } while (count == 0 || (count == -1 && errno == EINTR));
 }
 
 }  // namespace TevAgent

@@ -26,8 +26,8 @@ public:
     /// Throws `Interrupted` once a signal was noted. Called between the steps of a command; any thread.
     static void check();
 
-    /// Returns once `descriptor` can be read, or is at its end; throws `Interrupted` as soon as a signal is noted. For
-    /// the only thread of the process.
+    /// Returns once `descriptor` can be read, or is at its end; throws `Interrupted` as soon as a signal is noted. Any
+    /// thread.
     static void waitForInput(int descriptor);
 };
 

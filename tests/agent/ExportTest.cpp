@@ -62,6 +62,12 @@ TEST_F(ExportTest, takesADnAsItIs) {
               called(dn, "sftp://h/", "secret") + success);
 }
 
+TEST_F(ExportTest, saysNothingWhenTheComponentDoesNot) {
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://quiet/"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://quiet/", "secret"));
+}
+
 TEST_F(ExportTest, aFailureNamesTheModelAndGivesTheOperatorsMessage) {
     const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://fails/"});
     EXPECT_EQ(outcome.status, 1);
@@ -87,9 +93,12 @@ TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
 }
 
 TEST_F(ExportTest, aTransactionThatFailsIsAFailure) {
-    const AgentOutcome outcome = run("votes_no", {"one", "sftp://h/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://unwanted/"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.err, HasSubstr("finds the transaction invalid\n"));
+    EXPECT_THAT(
+        outcome.err,
+        EndsWith("\ntev-agent: cannot export one: the transaction failed: component TevSchemaMoService finds the "
+                 "transaction invalid; File transfer successful\n"));
 }
 
 TEST_F(ExportTest, readsThePasswordFromStandardInput) {

@@ -161,7 +161,8 @@ TEST_F(MoAccessorTest, refusesANullString) {
 TEST_F(MoAccessorTest, attributeWithoutAValueIsAFailureThatIsNotLogged) {
     const std::string refusal = "-1 Attribute has no value set: ManagedElement=1::attr";
     const LogCapture log(7);
-    set(DalMoTypeUint8, {});
+    DalMoAttributeValue unused{};
+    host.setAttribute(dn, "attr", {DalMoTypeUint8, 0, &unused});
     EXPECT_EQ(failureOf([&] { accessor.getAttr<unsigned char>(dn, "attr"); }), refusal);
     for (const std::uint32_t count : {0U, 1U, 2U}) {
         host.setAttribute(dn, "attr", {DalMoTypeUint8, count, nullptr});

@@ -1,4 +1,6 @@
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <future>
 #include <limits>
 #include <stdexcept>
@@ -259,7 +261,7 @@ TEST_F(ExportContractTest, exportIsDoneInTheCallersThreadAndOthersReadMeanwhile)
         EXPECT_EQ(executing, std::this_thread::get_id());
         return exported;
     });
-    isUnderWay.get_future().wait();
+    ASSERT_EQ(isUnderWay.get_future().wait_for(std::chrono::seconds(60)), std::future_status::ready);
     const unsigned long other = begin();
     EXPECT_THAT(list(other), ElementsAre("Mom"));
     EXPECT_THAT(read(other, "Mom", "schemaId"), ElementsAre("Mom"));

@@ -278,6 +278,7 @@ TEST_F(ExportSettingsContractTest, failingSearchForTheSshObjectGivesEmptyLists) 
             }
         });
         expectAlgorithms({"", "", ""}, records);
+        host.whenCalled("router.newMoIterator", nullptr);
     };
     throwAtThirdStep([] { throw std::out_of_range("no such object"); });
     throwAtThirdStep([] { throw 42; });
@@ -306,6 +307,7 @@ TEST_F(ExportSettingsContractTest, eachListIsReadWhateverBecomesOfTheOthers) {
                 }
             });
             expectAlgorithms(expected, all);
+            host.whenCalled("router.getMoAttribute", nullptr);
         };
         throwThere([] { throw std::out_of_range("no such object"); });
         throwThere([] { throw 42; });

@@ -15,6 +15,7 @@ ExportTest::ExportTest() {
 }
 
 ExportTest::~ExportTest() {
+    EXPECT_EQ(runner.alive, 0U);
     EXPECT_EQ(resource().finish(txHandle), 0);
     Tev::Portal::setAccessor(nullptr);
 }

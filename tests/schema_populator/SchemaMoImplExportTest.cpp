@@ -49,7 +49,10 @@ protected:
         posted.clear();
     }
 
-    ~SchemaMoImplExportTest() override { EXPECT_EQ(moImpl.finish(txHandle), 0); }
+    ~SchemaMoImplExportTest() override {
+        EXPECT_EQ(runner.alive, 0U);
+        EXPECT_EQ(moImpl.finish(txHandle), 0);
+    }
 
     TevReturnT doExport() { return moImpl.action(txHandle, dn.c_str(), "export", parameters.array, &result); }
 

@@ -395,7 +395,7 @@ DalMgmtSpiInterface_1* FakeHost::findOffered(const std::string& interfaceName) c
 
 std::optional<TevReturnT> FakeHost::note(const std::string& operation, const std::string& arguments) {
     std::unique_lock<std::mutex> lock(mutex);
-    if (const auto found = actions.find(operation); found != actions.end()) {
+    if (const auto found = actions.find(operation); found != actions.end() && found->second) {
         const std::function<void()> action = found->second;
         lock.unlock();
         action();

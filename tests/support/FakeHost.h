@@ -62,7 +62,8 @@ public:
     /// The `nth` call of any operation from now on returns `code` and does nothing else.
     void failAnyCall(unsigned int nth, TevReturnT code);
 
-    /// Does `action` whenever `operation` is called, before anything else; what it throws goes to the caller.
+    /// Does `action`, unless it is null, whenever `operation` is called, before anything else; what it throws goes to
+    /// the caller.
     void whenCalled(const std::string& operation, std::function<void()> action);
 
     /// The interface is no longer offered: `getInterface` gives -2 for it.

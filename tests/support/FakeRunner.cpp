@@ -1,5 +1,6 @@
 #include "FakeRunner.h"
 
+#include <memory>
 #include <stdexcept>
 
 #include "SftpWrapper.h"
@@ -51,6 +52,9 @@ SftpWrapper::SftpWrapper(const std::string& programPath, const std::string& user
     FakeRunner::current().constructed.emplace_back(programPath, userPart, userPassword, hostName, portNumber,
                                                    transferAction, file, remote, isDebug, cipherList, keyExchangeList,
                                                    macList, timeLimit, dscpValue);
+    // The class has no destructor of its own, but this member goes with the object.
+    ++FakeRunner::current().alive;
+    settings = std::shared_ptr<TransferSettings>(nullptr, [](TransferSettings*) { --FakeRunner::current().alive; });
 }
 
 TevReturnT SftpWrapper::execute() {

@@ -38,6 +38,9 @@ public:
     /// How often a runner was executed.
     unsigned int executions = 0;
 
+    /// How many runners there are at the moment.
+    unsigned int alive = 0;
+
     /// The replacement's way in.
     static FakeRunner& current();
 };

@@ -1,10 +1,12 @@
-// Says on standard output how "export" is called, and ends it as the URI tells: with a message and success, with a
-// message and a code, with a code alone, or with an exception.
+// Says on standard output how "export" is called, and ends it as the URI tells: with success, with or without a
+// message; with a code, with or without one; with an exception; or finds the transaction invalid afterwards.
 #include <cstdio>
 #include <string>
 
 #include "DalMgmtSpiThreadContext.h"
 #include "EntryPoints.h"
+
+static bool isWanted = true;
 
 static void post(const char* text) {
     GoodComponent::current
@@ -26,6 +28,7 @@ static TevReturnT actAsTold(unsigned long, const char* dn, const char* name, Dal
     if (uri == "sftp://throws/") {
         throw 42;
     }
+    isWanted = uri != "sftp://unwanted/";
     if (uri == "sftp://silent/") {
         return -13;
     }
@@ -33,11 +36,17 @@ static TevReturnT actAsTold(unsigned long, const char* dn, const char* name, Dal
         post("SFTP error: nobody is there");
         return -1;
     }
-    post("File transfer successful");
+    if (uri != "sftp://quiet/") {
+        post("File transfer successful");
+    }
     *result = &nothing;
     return TevReturnOk;
 }
 
 void damage(GoodComponent& component) {
     component.objects.action = actAsTold;
+    component.resource.validate = [](unsigned long, bool* result) {
+        *result = isWanted;
+        return TevReturnT{TevReturnOk};
+    };
 }
