@@ -395,7 +395,7 @@ TEST_F(SftpFailureTest, slowTransferEndsWithTheTimeoutAndLeavesNothing) {
     Transfer transfer = transferOver(server, randomBytes(large));
     transfer.port = proxy.port();
     transfer.timeout = 2500;
-    proxy.slowDownTo(2'000'000);
+    proxy.slowDownTo(8'000'000);
     EXPECT_THAT(
         millisecondsOf([&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 2500 ms")); }),
         AllOf(Ge(2500), Lt(3500)));
@@ -438,7 +438,7 @@ TEST_F(SftpInterruptionTest, endsARunningTransferWhichLeavesNothing) {
     TcpProxy proxy(server.host(), server.port());
     Transfer transfer = transferOver(server, randomBytes(large));
     transfer.port = proxy.port();
-    proxy.slowDownTo(2'000'000);
+    proxy.slowDownTo(8'000'000);
     std::thread interrupting = interruptAfter(proxy, 1'000'000);
     EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was interrupted"));
     interrupting.join();

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -134,10 +135,13 @@ std::vector<pid_t> SftpTest::clients() const {
 
 std::string randomBytes(std::size_t size) {
     std::mt19937_64 generator(size);
-    std::string bytes(size, '\0');
-    for (char& byte : bytes) {
-        byte = static_cast<char>(generator());
+    std::string bytes;
+    bytes.reserve(size + sizeof(std::uint64_t));
+    while (bytes.size() < size) {
+        const std::uint64_t next = generator();
+        bytes.append(reinterpret_cast<const char*>(&next), sizeof next);
     }
+    bytes.resize(size);
     return bytes;
 }
 
