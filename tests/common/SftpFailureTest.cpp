@@ -297,10 +297,16 @@ TEST_F(SftpFailureTest, momentOfFullDiskIsAFailure) {
     Transfer transfer = transferOver(server, randomBytes(10'000'000));
     transfer.port = proxy.port();
     std::thread freeing([&] {
+        std::size_t bytesAtLimit = 0;
         waitUntil([&] {
             const std::vector<std::string> names = server.names();
             std::error_code ignored;
-            return names.size() == 2 && std::filesystem::file_size(server.folder() / names[0], ignored) == limit;
+            if (bytesAtLimit == 0 && names.size() == 2 &&
+                std::filesystem::file_size(server.folder() / names[0], ignored) == limit) {
+                bytesAtLimit = proxy.bytes();
+            }
+            // A write has failed: the client has gone on after it, or removed the file.
+            return bytesAtLimit > 0 && (names.size() == 1 || proxy.bytes() > bytesAtLimit + 600'000);
         });
         server.limitFileSize(RLIM_INFINITY);
     });
@@ -389,7 +395,7 @@ TEST_F(SftpFailureTest, slowTransferEndsWithTheTimeoutAndLeavesNothing) {
     Transfer transfer = transferOver(server, randomBytes(large));
     transfer.port = proxy.port();
     transfer.timeout = 2500;
-    proxy.slowDownTo(2'000'000);
+    proxy.slowDownTo(8'000'000);
     EXPECT_THAT(
         millisecondsOf([&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 2500 ms")); }),
         AllOf(Ge(2500), Lt(3500)));
@@ -432,7 +438,7 @@ TEST_F(SftpInterruptionTest, endsARunningTransferWhichLeavesNothing) {
     TcpProxy proxy(server.host(), server.port());
     Transfer transfer = transferOver(server, randomBytes(large));
     transfer.port = proxy.port();
-    proxy.slowDownTo(2'000'000);
+    proxy.slowDownTo(8'000'000);
     std::thread interrupting = interruptAfter(proxy, 1'000'000);
     EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was interrupted"));
     interrupting.join();

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <fstream>
 #include <functional>
@@ -50,8 +51,8 @@ protected:
     void expectTimeoutInChild(const std::function<void()>& prepare) {
         const SftpServer server;
         TcpProxy proxy(server.host(), server.port());
-        proxy.slowDownTo(2'000'000);
-        Transfer transfer = transferTo(server, TevTest::randomBytes(10'000'000));
+        proxy.slowDownTo(6'000'000);
+        Transfer transfer = transferTo(server, TevTest::randomBytes(20'000'000));
         transfer.port = proxy.port();
         transfer.timeout = 2000;
         EXPECT_THAT(millisecondsOf([&] {
@@ -83,7 +84,7 @@ TEST_F(SftpHostTest, threadThatWaitsForAllChildren) {
         std::thread([] {
             for (;;) {
                 if (waitpid(-1, nullptr, 0) < 0) {
-                    std::this_thread::yield();
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
                 }
             }
         }).detach();
@@ -227,7 +228,7 @@ TEST_F(SftpHostTest, hostThatIsKilledLeavesNoClient) {
     TcpProxy proxy(server.host(), server.port());
     Transfer transfer = transferTo(server, TevTest::randomBytes(5'000'000));
     transfer.port = proxy.port();
-    for (const std::size_t bytes : {1, 2'000'000}) {
+    for (const std::size_t bytes : {std::size_t(1), std::size_t(2'000'000)}) {
         proxy.holdAfter(bytes);
         const std::size_t carried = proxy.bytes() + bytes;
         const pid_t host = fork();

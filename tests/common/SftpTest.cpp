@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -29,6 +30,25 @@ TransferOutcome Transfer::run() const {
     return {code, wrapper.getErrorMessage()};
 }
 
+namespace {
+
+/// What a child process of the test tells: nothing of it may get back into the test itself.
+std::string outcomeAfter(const std::function<void()>& prepare, const Transfer& transfer) {
+    try {
+        prepare();
+        const std::size_t descriptors = openDescriptors();
+        TransferOutcome outcome = transfer.run();
+        if (openDescriptors() != descriptors || waitpid(-1, nullptr, WNOHANG) != -1) {
+            outcome.code = 99;
+        }
+        return std::to_string(outcome.code) + ' ' + outcome.sentence;
+    } catch (const std::exception& error) {
+        return std::string("97 ") + error.what();
+    }
+}
+
+}  // namespace
+
 TransferOutcome Transfer::runInChild(const std::function<void()>& prepare) const {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) {
@@ -36,13 +56,7 @@ TransferOutcome Transfer::runInChild(const std::function<void()>& prepare) const
     }
     const pid_t child = fork();
     if (child == 0) {
-        prepare();
-        const std::size_t descriptors = openDescriptors();
-        TransferOutcome outcome = run();
-        if (openDescriptors() != descriptors || waitpid(-1, nullptr, WNOHANG) != -1) {
-            outcome.code = 99;
-        }
-        const std::string text = std::to_string(outcome.code) + ' ' + outcome.sentence;
+        const std::string text = outcomeAfter(prepare, *this);
         _exit(write(ends[1], text.data(), text.size()) > 0 ? 0 : 1);
     }
     close(ends[1]);
@@ -55,7 +69,7 @@ TransferOutcome Transfer::runInChild(const std::function<void()>& prepare) const
     close(ends[0]);
     TEMP_FAILURE_RETRY(waitpid(child, nullptr, 0));
     const std::size_t blank = text.find(' ');
-    return blank == std::string::npos ? TransferOutcome{98, "the child ended early"}
+    return blank == std::string::npos ? TransferOutcome{97, "the child ended early"}
                                       : TransferOutcome{std::stoi(text), text.substr(blank + 1)};
 }
 
@@ -121,10 +135,13 @@ std::vector<pid_t> SftpTest::clients() const {
 
 std::string randomBytes(std::size_t size) {
     std::mt19937_64 generator(size);
-    std::string bytes(size, '\0');
-    for (char& byte : bytes) {
-        byte = static_cast<char>(generator());
+    std::string bytes;
+    bytes.reserve(size + sizeof(std::uint64_t));
+    while (bytes.size() < size) {
+        const std::uint64_t next = generator();
+        bytes.append(reinterpret_cast<const char*>(&next), sizeof next);
     }
+    bytes.resize(size);
     return bytes;
 }
 

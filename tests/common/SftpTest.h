@@ -46,7 +46,7 @@ struct Transfer {
     TransferOutcome run() const;
 
     /// Runs in a child process after `prepare`, which may change the process as it likes. The code is 99 when the child
-    /// had another number of descriptors afterwards, or a child that nobody waited for.
+    /// had another number of descriptors afterwards, or a child that nobody waited for, and 97 when nothing was tried.
     TransferOutcome runInChild(const std::function<void()>& prepare) const;
 };
 

@@ -21,7 +21,7 @@ const char* const marker = "version\n";
 constexpr std::string_view markerAnswer = "SFTP protocol version";
 
 constexpr int pollSlice = 100;      // milliseconds, after which an interruption is seen
-constexpr int timeToCleanUp = 500;  // milliseconds
+constexpr int timeToCleanUp = 750;  // milliseconds
 constexpr int timeToLeave = 300;    // milliseconds
 
 /// The time that the client itself gives to a connection: more than ours, so that a whole second ends nothing early.
@@ -156,7 +156,7 @@ void SftpSession::readTerminal() {
 }
 
 void SftpSession::leave() {
-    const Deadline end(timeToLeave);
+    const Deadline end = Deadline::earlier(limit, Deadline(timeToLeave));
     client.input.close();
     while (!client.hasEnded() && !end.hasPassed()) {
         pollfd waiting{client.ending().get(), POLLIN, 0};

@@ -35,7 +35,7 @@ public:
     bool connect();
 
     /// Lets the connected client carry out `command`, a line. Returns false when the client has ended, or was ended,
-    /// before it was through. When the talk has to end meanwhile, the client is told to leave the command, and has 0.6
+    /// before it was through. When the talk has to end meanwhile, the client is told to leave the command, and has 0.75
     /// s for that and for all commands that follow.
     bool run(const std::string& command);
 
