@@ -99,6 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.write(std::string(reinterpret_cast<const char*>(data), size));
 
     TevConfiguration configuration;
+    configuration.load(good.path());
     const std::string reason = refusal(configuration, file.path());
     TevSchemaPopulator::SchemaConfiguration settings;
     requireEqual(refusal(settings, file.path()), reason, "the component's refusal");

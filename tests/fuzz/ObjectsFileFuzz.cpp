@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -10,12 +12,12 @@
 #include "Problem.h"
 #include "Require.h"
 #include "TevException.h"
-#include "Text.h"
 #include "ValueText.h"
 #include "XmlText.h"
 
 // The input is a file of managed objects: it is refused with a reason, or every object can be found by its DN, and the
-// objects, written down anew, are read as the same objects.
+// objects, written down anew, are read as the same objects. Its first bytes are a
+// number as well, of every type.
 
 namespace {
 
@@ -88,6 +90,29 @@ std::string taken(const std::string& file) {
     }
 }
 
+/// A number of the type is read as it was written.
+template <class Number>
+void checkNumber(const char* type, std::uint64_t bits) {
+    const std::string xml = std::string("<managedObjects><mo class=\"A\" id=\"1\"><attribute name=\"a\" type=\"") +
+                            type + "\"><value>" + std::to_string(static_cast<Number>(bits)) +
+                            "</value></attribute></mo></managedObjects>";
+    requireEqual(taken(xml), xml, "a number read again");
+}
+
+void checkNumbers(const std::string& input) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, input.data(), std::min(input.size(), sizeof bits));
+    checkNumber<std::int8_t>("int8", bits);
+    checkNumber<std::int16_t>("int16", bits);
+    checkNumber<std::int32_t>("int32", bits);
+    checkNumber<std::int64_t>("int64", bits);
+    checkNumber<std::uint8_t>("uint8", bits);
+    checkNumber<std::uint16_t>("uint16", bits);
+    checkNumber<std::uint32_t>("uint32", bits);
+    checkNumber<std::uint64_t>("uint64", bits);
+    checkNumber<std::int64_t>("enum", bits);
+}
+
 /// Every object below `object` is found by its DN, with its attributes, and none is a component's.
 void checkFound(const ObjectStore& store, const ManagedObject& object, const std::string& dn,
                 const std::vector<std::string>& classPath) {
@@ -116,6 +141,7 @@ void checkFound(const ObjectStore& store, const ManagedObject& object, const std
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const MemoryFile file;
     const std::string text(reinterpret_cast<const char*>(data), size);
+    checkNumbers(text);
     file.write(text);
     ObjectsFile objects(knownRoutes);
     try {
@@ -127,7 +153,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const Tev::TevException& refused) {
         const std::string reason = refused.what();
         requireEqual(refused.getReturnCode(), TevReturnFailure, "the code of a refusal");
-        require(!Text::hasControl(reason), "a refusal is one line");
+        require(!hasControl(reason), "a refusal is one line");
         requireEqual(reason, file.path() + taken(text).substr(std::string("file").size()), "the refusal");
     }
     return 0;

@@ -15,6 +15,19 @@ inline std::string xmlText(const std::string& text) {
     return result;
 }
 
+/// Whether a control character is in the UTF-8 text.
+inline bool hasControl(const std::string& text) {
+    char before = '\0';
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7f || (before == '\xc2' && byte < 0xa0)) {
+            return true;
+        }
+        before = c;
+    }
+    return false;
+}
+
 }  // namespace TevFuzz
 
 #endif
