@@ -11,7 +11,7 @@
 #include "ExportParameters.h"
 #include "FakeResolver.h"
 #include "FakeRunner.h"
-#include "LogToNowhere.h"
+#include "LoggingWrapper.h"
 #include "MemoryFile.h"
 #include "RegisteredComponent.h"
 #include "Require.h"
