@@ -4,8 +4,13 @@
 #include <Poco/JSON/Parser.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <thread>
 
 #include "AgentProcess.h"
 #include "FileText.h"
@@ -41,6 +46,24 @@ protected:
     /// How the component says that it was called.
     static std::string called(const std::string& dn, const std::string& uri, const std::string& password) {
         return "export " + dn + " (type 9, 1: " + uri + ") (type 9, 1: " + password + ")\n";
+    }
+
+    /// Waits until the agent, which is about to wait for something, does so, or has ended.
+    static void waitUntilAsleep(AgentProcess& agent) {
+        const std::string file = "/proc/" + std::to_string(agent.id()) + "/stat";
+        while (!agent.hasEnded() && contents(file).find(") S ") == std::string::npos) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+
+    /// Waits until the agent has read what was written to its standard input, and waits for more, or has ended.
+    static void waitUntilItWantsMore(AgentProcess& agent, const Pipe& input) {
+        int unread = 1;
+        while (unread > 0 && !agent.hasEnded()) {
+            ASSERT_EQ(ioctl(input.reading(), FIONREAD, &unread), 0);
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        waitUntilAsleep(agent);
     }
 
     TestNode node;
@@ -146,7 +169,7 @@ TEST_F(ExportTest, asksForThePasswordOnTheTerminalWithoutEcho) {
 }
 
 TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoBack) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Terminal terminal;
         AgentProcess::Setting setting;
         setting.terminal = terminal.path();
@@ -157,6 +180,7 @@ TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoB
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
         EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+        EXPECT_EQ(terminal.shown(), "Password: \r\n") << "what follows has a line of its own";
         EXPECT_TRUE(terminal.hasEcho());
     }
 }
@@ -171,12 +195,74 @@ TEST_F(ExportTest, anInterruptTypedOnTheTerminalIsOneToo) {
     EXPECT_EQ(agent.outcome().status, 130);
 }
 
+// A shell turns the echo on when a program has stopped, so that the rest of the password was shown; a quit left the
+// terminal without echo.
+TEST_F(ExportTest, noKeyStopsOrQuitsTheAgentWhileThePasswordIsAskedFor) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    terminal.waitFor("Password: ");
+    terminal.type(
+        "a\x1a"
+        "b\x1c"
+        "c\n");
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/",
+                                  "a\x1a"
+                                  "b\x1c"
+                                  "c") +
+                               success);
+    EXPECT_EQ(terminal.shown(), "Password: \r\n");
+}
+
 TEST_F(ExportTest, anInterruptEndsTheWaitForAPasswordOnStandardInput) {
     const Pipe pipe(0);
     AgentProcess::Setting setting;
     setting.in = pipe.reading();
-    AgentProcess agent(arguments("prints", {"one", "sftp://h/", "--password-stdin"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}), setting);
+    ASSERT_EQ(write(pipe.writing(), "half", 4), 4);
+    waitUntilItWantsMore(agent, pipe);
+    agent.send(SIGTERM);
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+}
+
+TEST_F(ExportTest, aHangUpThatIsIgnoredInterruptsNothing) {
+    const Pipe pipe(0);
+    AgentProcess::Setting setting;
+    setting.in = pipe.reading();
+    std::vector<std::string> words = arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"});
+    words.insert(words.begin(), TEV_AGENT_PROGRAM);
+    AgentProcess agent(words, setting, "/usr/bin/nohup");
+    ASSERT_EQ(write(pipe.writing(), "pass", 4), 4);
+    waitUntilItWantsMore(agent, pipe);
+    agent.send(SIGHUP);
+    ASSERT_EQ(write(pipe.writing(), "word\n", 5), 5);
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "password") + success);
+}
+
+TEST_F(ExportTest, readsThePasswordFromANamedPipeOnceItIsWritten) {
+    const std::string pipe = folder.path() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", pipe}), {});
+    std::ofstream(pipe) << "piped\n";
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "piped") + success);
+}
+
+// It was taken for a file that cannot be opened.
+TEST_F(ExportTest, anInterruptEndsTheWaitForANamedPipe) {
+    const std::string pipe = folder.path() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    AgentProcess agent(arguments("prints", {"one", "sftp://h/", "--password-file", pipe}), {});
     agent.waitForError("started\n");
+    waitUntilAsleep(agent);
     agent.send(SIGTERM);
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);

@@ -138,7 +138,7 @@ TEST_F(ExportToServerTest, aModelThatFailsDoesNotStopTheOthers) {
 }
 
 TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothing) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         TcpProxy proxy("127.0.0.1", server.port());
         proxy.slowDownTo(halfWay);
         AgentProcess agent(withPassword({"PerformanceModel", uri(proxy.port(), "copy.xml")}), setting);
