@@ -81,34 +81,34 @@ TEST_F(ExportTest, callsTheActionWithTheUriAndThePassword) {
 
 TEST_F(ExportTest, takesADnAsItIs) {
     const std::string dn = "ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two";
-    EXPECT_EQ(run("exports_as_told", {"ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two", "sftp://h/"}).err,
-              called(dn, "sftp://h/", "secret") + success);
+    EXPECT_EQ(run("exports_as_told", {"ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two", "sftp://h/p"}).err,
+              called(dn, "sftp://h/p", "secret") + success);
 }
 
 TEST_F(ExportTest, saysNothingWhenTheComponentDoesNot) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://quiet/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://quiet/p"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://quiet/", "secret"));
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://quiet/p", "secret"));
 }
 
 TEST_F(ExportTest, aFailureNamesTheModelAndGivesTheOperatorsMessage) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://fails/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://fails/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, EndsWith("\ntev-agent: cannot export one: SFTP error: nobody is there\n"));
 }
 
 TEST_F(ExportTest, aFailureWithoutAMessageNamesTheComponentAndTheCode) {
-    EXPECT_THAT(run("exports_as_told", {"one", "sftp://silent/"}).err,
+    EXPECT_THAT(run("exports_as_told", {"one", "sftp://silent/p"}).err,
                 EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService returned -13\n"));
     const std::string dn = "ManagedElement=1,Transport=1";
-    const AgentOutcome outcome = run("exports_as_told", {dn, "sftp://h/"});
+    const AgentOutcome outcome = run("exports_as_told", {dn, "sftp://h/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "tev-agent: cannot export " + dn + ": the object store returned -1 (failure)\n");
 }
 
 TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://throws/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://throws/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.err,
                 EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService threw in action: an "
@@ -116,7 +116,7 @@ TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
 }
 
 TEST_F(ExportTest, aTransactionThatFailsIsAFailure) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://unwanted/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://unwanted/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(
         outcome.err,
@@ -128,26 +128,26 @@ TEST_F(ExportTest, readsThePasswordFromStandardInput) {
     Pipe pipe(0);
     AgentProcess::Setting setting;
     setting.in = pipe.reading();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"}), setting);
     ASSERT_EQ(write(pipe.writing(), "pass word\nmore", 14), 14);
     // The end of the line is enough.
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "pass word") + success);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "pass word") + success);
 }
 
 TEST_F(ExportTest, needsAPassword) {
     const AgentOutcome empty =
-        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}));
+        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"}));
     EXPECT_EQ(empty.status, 2);
     EXPECT_EQ(empty.err, "tev-agent: standard input gives no password\n");
-    const AgentOutcome none = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/"}));
+    const AgentOutcome none = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p"}));
     EXPECT_EQ(none.status, 2);
     EXPECT_EQ(none.err,
               "tev-agent: there is no terminal to ask for the password on; give it with --password-stdin or "
               "--password-file\n");
     const AgentOutcome noFile =
-        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", "/nowhere"}));
+        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", "/nowhere"}));
     EXPECT_EQ(noFile.status, 3);
     EXPECT_EQ(noFile.err,
               "tev-agent: the file of --password-file, /nowhere, cannot be used: No such file or directory\n");
@@ -157,13 +157,13 @@ TEST_F(ExportTest, asksForThePasswordOnTheTerminalWithoutEcho) {
     Terminal terminal;
     AgentProcess::Setting setting;
     setting.terminal = terminal.path();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
     EXPECT_FALSE(terminal.hasEcho());
     terminal.type("typed\n");
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "typed") + success);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "typed") + success);
     EXPECT_EQ(terminal.shown(), "Password: \r\n");
     EXPECT_TRUE(terminal.hasEcho());
 }
@@ -173,7 +173,7 @@ TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoB
         Terminal terminal;
         AgentProcess::Setting setting;
         setting.terminal = terminal.path();
-        AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+        AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
         terminal.waitFor("Password: ");
         terminal.type("half");
         agent.send(signal);
@@ -189,7 +189,7 @@ TEST_F(ExportTest, anInterruptTypedOnTheTerminalIsOneToo) {
     Terminal terminal;
     AgentProcess::Setting setting;
     setting.terminal = terminal.path();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
     terminal.type("\x03");
     EXPECT_EQ(agent.outcome().status, 130);
@@ -201,7 +201,7 @@ TEST_F(ExportTest, noKeyStopsOrQuitsTheAgentWhileThePasswordIsAskedFor) {
     Terminal terminal;
     AgentProcess::Setting setting;
     setting.terminal = terminal.path();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
     terminal.type(
         "a\x1a"
@@ -209,7 +209,7 @@ TEST_F(ExportTest, noKeyStopsOrQuitsTheAgentWhileThePasswordIsAskedFor) {
         "c\n");
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/",
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p",
                                   "a\x1a"
                                   "b\x1c"
                                   "c") +
@@ -221,7 +221,7 @@ TEST_F(ExportTest, anInterruptEndsTheWaitForAPasswordOnStandardInput) {
     const Pipe pipe(0);
     AgentProcess::Setting setting;
     setting.in = pipe.reading();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"}), setting);
     ASSERT_EQ(write(pipe.writing(), "half", 4), 4);
     waitUntilItWantsMore(agent, pipe);
     agent.send(SIGTERM);
@@ -234,7 +234,7 @@ TEST_F(ExportTest, aHangUpThatIsIgnoredInterruptsNothing) {
     const Pipe pipe(0);
     AgentProcess::Setting setting;
     setting.in = pipe.reading();
-    std::vector<std::string> words = arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"});
+    std::vector<std::string> words = arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"});
     words.insert(words.begin(), TEV_AGENT_PROGRAM);
     AgentProcess agent(words, setting, "/usr/bin/nohup");
     ASSERT_EQ(write(pipe.writing(), "pass", 4), 4);
@@ -243,24 +243,24 @@ TEST_F(ExportTest, aHangUpThatIsIgnoredInterruptsNothing) {
     ASSERT_EQ(write(pipe.writing(), "word\n", 5), 5);
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "password") + success);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "password") + success);
 }
 
 TEST_F(ExportTest, readsThePasswordFromANamedPipeOnceItIsWritten) {
     const std::string pipe = folder.path() / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", pipe}), {});
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", pipe}), {});
     std::ofstream(pipe) << "piped\n";
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "piped") + success);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "piped") + success);
 }
 
 // It was taken for a file that cannot be opened.
 TEST_F(ExportTest, anInterruptEndsTheWaitForANamedPipe) {
     const std::string pipe = folder.path() / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    AgentProcess agent(arguments("prints", {"one", "sftp://h/", "--password-file", pipe}), {});
+    AgentProcess agent(arguments("prints", {"one", "sftp://h/p", "--password-file", pipe}), {});
     agent.waitForError("started\n");
     waitUntilAsleep(agent);
     agent.send(SIGTERM);
@@ -270,7 +270,7 @@ TEST_F(ExportTest, anInterruptEndsTheWaitForANamedPipe) {
 }
 
 TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAModelThatIsNotThere) {
-    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/"});
+    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "tev-agent: there is no " + TestNode::schemaDn("Nothing") + "\n");
 }
@@ -313,7 +313,7 @@ TEST_F(ExportTest, showsOnATerminalWhatIsUnderWayAndForHowLong) {
     AgentProcess::Setting setting;
     setting.err = terminal.descriptor();
     node.writeModel("one.xml", "<mom name=\"one\">" + std::string(2000, ' ') + "</mom>");
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", passwordFile}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", passwordFile}), setting);
     EXPECT_EQ(agent.outcome().status, 0);
     EXPECT_THAT(terminal.shown(), AllOf(StartsWith("one, 2.0 kB: 0 s of 60 s"),
                                         EndsWith("\r\x1b[Ktev-agent: File transfer successful\r\n")));
@@ -324,7 +324,7 @@ TEST_F(ExportTest, showsNoMoreThanTheTerminalHasRoomFor) {
     terminal.setWidth(15);
     AgentProcess::Setting setting;
     setting.err = terminal.descriptor();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", passwordFile}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", passwordFile}), setting);
     EXPECT_EQ(agent.outcome().status, 0);
     EXPECT_THAT(terminal.shown(), StartsWith("one: 0 s of 60"));
     EXPECT_THAT(terminal.shown(), Not(HasSubstr("60 ")));
@@ -349,7 +349,7 @@ TEST_F(ExportTest, showsABarOnATerminalForEveryModel) {
 TEST_F(ExportTest, exportsNothingOfANodeWithoutModels) {
     const TempFolder empty;
     const AgentOutcome outcome =
-        AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/", "--password-file", passwordFile});
+        AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/p", "--password-file", passwordFile});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "");
