@@ -2,15 +2,18 @@
 
 #include <Poco/JSON/Object.h>
 #include <Poco/JSON/Parser.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <thread>
+#include <utility>
 
 #include "AgentProcess.h"
 #include "FileText.h"
@@ -101,10 +104,24 @@ TEST_F(ExportTest, aFailureNamesTheModelAndGivesTheOperatorsMessage) {
 TEST_F(ExportTest, aFailureWithoutAMessageNamesTheComponentAndTheCode) {
     EXPECT_THAT(run("exports_as_told", {"one", "sftp://silent/p"}).err,
                 EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService returned -13\n"));
-    const std::string dn = "ManagedElement=1,Transport=1";
-    const AgentOutcome outcome = run("exports_as_told", {dn, "sftp://h/p"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "tev-agent: cannot export " + dn + ": the object store returned -1 (failure)\n");
+}
+
+TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAnObjectThatHasNoFile) {
+    for (const std::string& dn : {std::string("ManagedElement=1,Transport=1"), std::string("ManagedElement=2"),
+                                  TestNode::schemaDn("one") + ",Part=1"}) {
+        const AgentOutcome outcome = AgentProcess::run(arguments("exports_as_told", {dn, "sftp://h/p"}));
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, "tev-agent: " + dn + " is no Schema instance, and has no file to export\n");
+    }
+}
+
+TEST_F(ExportTest, passesADnOfAnotherClassOnToTheComponentThatOwnsIt) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    const std::string dn = "ManagedElement=1,Licence=5";
+    EXPECT_EQ(run("exports_as_told", {dn, "sftp://h/p"}).err, called(dn, "sftp://h/p", "secret") + success);
 }
 
 TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
@@ -346,13 +363,70 @@ TEST_F(ExportTest, showsABarOnATerminalForEveryModel) {
     EXPECT_THAT(terminal.shown(), HasSubstr(" of 6, 1 failed, "));
 }
 
-TEST_F(ExportTest, exportsNothingOfANodeWithoutModels) {
+// A second in which nothing is left is not over.
+TEST_F(ExportTest, showsATimeoutRoundedUp) {
+    const TempFolder other;
+    for (const auto& [timeout, text] : {std::pair("1500", "0 s of 2 s"), std::pair("1", "0 s of 1 s")}) {
+        Terminal terminal;
+        AgentProcess::Setting setting;
+        setting.err = terminal.descriptor();
+        const std::string file = other.write("libtev_schema_populator.cfg",
+                                             std::string("<configuration><TevSchemaMoService><sftpTimeout>") + timeout +
+                                                 "</sftpTimeout></TevSchemaMoService></configuration>");
+        AgentProcess agent(
+            arguments("exports_as_told", {"one", "sftp://h/p", "--config", file, "--password-file", passwordFile}),
+            setting);
+        EXPECT_EQ(agent.outcome().status, 0);
+        EXPECT_THAT(terminal.shown(), StartsWith(std::string("one: ") + text));
+    }
+}
+
+TEST_F(ExportTest, nobodyIsAskedForThePasswordOfANodeWithoutModels) {
     const TempFolder empty;
-    const AgentOutcome outcome =
-        AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/p", "--password-file", passwordFile});
+    for (const auto& [format, result] :
+         {std::pair("--output=table", ""), std::pair("--output=json", "{\"exports\":[]}\n")}) {
+        const AgentOutcome outcome =
+            AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/p", format});
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.out, result);
+        EXPECT_EQ(outcome.err, "tev-agent: there is no model to export\n");
+    }
+}
+
+// The first thread that could not be made ended the command, and no result was told.
+TEST_F(ExportTest, exportsEveryModelWhereTheSystemGivesFewThreads) {
+    const AgentOutcome outcome = run("exports_without_threads", {"--all", "--jobs", "2", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(outcome.out, HasSubstr("0: exported: in company\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("1: exported: in company\n"));
+    EXPECT_THAT(outcome.out, EndsWith("2: exported: by the main thread\n3: exported: by the main thread\n"));
+}
+
+TEST_F(ExportTest, resultsThatCannotBeWrittenKeepNoModelFromBeingExported) {
+    AgentProcess::Setting setting;
+    setting.out = open("/dev/full", O_WRONLY | O_CLOEXEC);
+    for (const std::string format : {"table", "json"}) {
+        AgentProcess agent(arguments("exports_as_told", {"--all", "--jobs", "1", "sftp://h/p", "--output", format,
+                                                         "--password-file", passwordFile}),
+                           setting);
+        const AgentOutcome outcome = agent.outcome();
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p/", "secret") +
+                                   called(TestNode::schemaDn("two"), "sftp://h/p/", "secret") +
+                                   "tev-agent: cannot write to standard output: No space left on device\n");
+    }
+    close(setting.out);
+}
+
+TEST_F(ExportTest, aVersionThatCannotBeReadKeepsNoModelFromBeingExported) {
+    const std::string sentence = "tev-agent: there are several versions of one\n";
+    const AgentOutcome every = run("exports_unreadable", {"--all", "sftp://h/p"});
+    EXPECT_EQ(every.out, "one: exported\n");
+    EXPECT_EQ(every.err, sentence);
+    const AgentOutcome one = run("exports_unreadable", {"one", "sftp://h/p"});
+    EXPECT_EQ(one.status, 0);
+    EXPECT_EQ(one.err, sentence);
 }
 
 }  // namespace
