@@ -347,6 +347,20 @@ TEST_F(ExportTest, showsNoMoreThanTheTerminalHasRoomFor) {
     EXPECT_THAT(terminal.shown(), Not(HasSubstr("60 ")));
 }
 
+// Characters of double width went on into a line that nothing took away.
+TEST_F(ExportTest, showsNoMoreCharactersOfDoubleWidthThanTheTerminalHasRoomFor) {
+    Terminal terminal;
+    terminal.setWidth(6);
+    AgentProcess::Setting setting;
+    setting.err = terminal.descriptor();
+    const std::string wide = "\xe4\xb8\xad";
+    AgentProcess agent(
+        arguments("exports_as_told", {wide + wide + wide, "sftp://h/p", "--password-file", passwordFile}), setting);
+    EXPECT_EQ(agent.outcome().status, 0);
+    EXPECT_THAT(terminal.shown(), StartsWith(wide + wide));
+    EXPECT_THAT(terminal.shown(), Not(StartsWith(wide + wide + wide)));
+}
+
 TEST_F(ExportTest, showsABarOnATerminalForEveryModel) {
     Terminal terminal;
     AgentProcess::Setting setting;

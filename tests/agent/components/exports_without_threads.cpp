@@ -1,6 +1,6 @@
-// Has four instances, "0" to "3". The first two exports meet; from then on the process gets no further thread. The first
-// one ends at once, the second one a moment later, and fails when a third one comes meanwhile. The others tell whether
-// the main thread carries them out.
+// Has four instances, "0" to "3". The first two exports meet; from then on the process gets no further thread. The
+// first one ends at once, the second one a moment later, and fails when a third one comes meanwhile. The others tell
+// whether the main thread carries them out.
 #include <pthread.h>
 #include <unistd.h>
 
