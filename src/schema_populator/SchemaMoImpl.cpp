@@ -206,10 +206,6 @@ TevReturnT SchemaMoImpl::getMoAttribute(unsigned long txHandle, const char* dn, 
 
 TevReturnT SchemaMoImpl::action(unsigned long txHandle, const char* dn, const char* actionName,
                                 DalMoAttributeValueContainer** params, DalMoAttributeValueContainer** result) {
-    if (result == nullptr) {
-        SCHEMA_LOG(LogError, "Invalid input arguments");
-        return TevReturnInvalidArgument;
-    }
     const TevReturnT code = validateActionArguments(dn, actionName, params);
     if (code != TevReturnOk) {
         return code;
@@ -240,6 +236,10 @@ TevReturnT SchemaMoImpl::exportFile(unsigned long txHandle, const std::string& f
     TevReturnT code = processActionParameters(params, user, password, host, port, path);
     if (code != TevReturnOk) {
         return code;
+    }
+    if (result == nullptr) {
+        SCHEMA_LOG_AS("action", LogError, "Invalid input arguments");
+        return TevReturnInvalidArgument;
     }
     const unsigned char dscp = getOamBulkDscpValue(txHandle);
     std::string ciphers;

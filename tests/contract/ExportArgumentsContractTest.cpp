@@ -50,17 +50,7 @@ protected:
         expectNothingDone(error("processActionParameters", escaped(text)), before, {{1, posted}});
     }
 
-    /// The host that the runner is given for a URI's host.
-    std::string hostOf(const std::string& uriHost) { return std::get<3>(argumentsOf("sftp://" + uriHost + "/f")); }
-
-    std::string portOf(const std::string& destination) { return std::get<4>(argumentsOf(destination)); }
-    std::string userOf(const std::string& destination) { return std::get<1>(argumentsOf(destination)); }
-    std::string pathOf(const std::string& destination) { return std::get<7>(argumentsOf(destination)); }
-
-    const std::string dn = dnOf("Mom");
-    ExportParameters parameters{uri, "secret"};
-
-private:
+    /// Expects these records and messages, and that nothing else has been done.
     void expectNothingDone(const Records& records, std::size_t messagesBefore, const Messages& posted) {
         EXPECT_THAT(log.records(), ElementsAreArray(records));
         Messages messages = host.messages();
@@ -71,6 +61,16 @@ private:
         EXPECT_THAT(runner.constructed, IsEmpty());
         EXPECT_TRUE(isResultUntouched());
     }
+
+    /// The host that the runner is given for a URI's host.
+    std::string hostOf(const std::string& uriHost) { return std::get<3>(argumentsOf("sftp://" + uriHost + "/f")); }
+
+    std::string portOf(const std::string& destination) { return std::get<4>(argumentsOf(destination)); }
+    std::string userOf(const std::string& destination) { return std::get<1>(argumentsOf(destination)); }
+    std::string pathOf(const std::string& destination) { return std::get<7>(argumentsOf(destination)); }
+
+    const std::string dn = dnOf("Mom");
+    ExportParameters parameters{uri, "secret"};
 };
 
 // The checks.
@@ -96,10 +96,27 @@ TEST_F(ExportArgumentsContractTest, missingDnOrNameIsRefused) {
     expectRefused(dn, nullptr, parameters.array, "Wrong action name [(null)]");
 }
 
-TEST_F(ExportArgumentsContractTest, missingPlaceForTheResultIsRefusedFirst) {
-    EXPECT_EQ(objects().action(txHandle, nullptr, nullptr, nullptr, nullptr), -8);
+TEST_F(ExportArgumentsContractTest, missingPlaceForTheResultIsRefusedAfterAllElse) {
+    const auto exportWithoutPlace = [this](const std::string& calledDn, const std::string& destination) {
+        ExportParameters given(destination, "secret");
+        forget();
+        return objects().action(txHandle, calledDn.c_str(), "export", given.array, nullptr);
+    };
+    const auto expectRefusedWithoutPlace = [&](const std::string& calledDn, const std::string& destination,
+                                               TevReturnT code, const Records& records, const Messages& posted) {
+        const std::size_t before = host.messages().size();
+        EXPECT_EQ(exportWithoutPlace(calledDn, destination), code);
+        expectNothingDone(records, before, posted);
+    };
+    expectRefusedWithoutPlace("Mom", uri, -8, error("validateActionArguments", "Dn is not valid [Mom]"), {});
+    expectRefusedWithoutPlace(dnOf("Other"), uri, -2, error("action", "Could not find schema for schemaId [Other] "),
+                              {{1, "Internal error"}});
+    expectRefusedWithoutPlace(dn, "sftp:", -1, error("processActionParameters", "Got syntax exeption Bad URI syntax"),
+                              {{1, noUri}});
+    EXPECT_EQ(exportWithoutPlace(dn, uri), -8);
     EXPECT_THAT(log.records(), ElementsAreArray(error("action", "Invalid input arguments")));
     EXPECT_THAT(host.calls(), IsEmpty());
+    EXPECT_THAT(runner.constructed, IsEmpty());
 }
 
 TEST_F(ExportArgumentsContractTest, missingParametersAreRefused) {
