@@ -371,13 +371,15 @@ bool SchemaMoImpl::isDebugModeSet() const {
 }
 
 TevReturnT SchemaMoImpl::setVoidActionResult(unsigned long txHandle, DalMoAttributeValueContainer** result) {
-    *result = static_cast<DalMoAttributeValueContainer*>(std::malloc(sizeof **result));
-    if (*result == nullptr) {
+    auto* const container = static_cast<DalMoAttributeValueContainer*>(std::malloc(sizeof **result));
+    if (container == nullptr) {
+        *result = nullptr;
         SCHEMA_LOG(LogError, "Can not allocate memory for attributeValueContainer");
         return TevReturnNoMemory;
     }
-    transactionContextManager.addMemory(txHandle, *result);
-    **result = {DalMoTypeVoid, 0, nullptr};
+    transactionContextManager.addMemory(txHandle, container);
+    *container = {DalMoTypeVoid, 0, nullptr};
+    *result = container;
     return TevReturnOk;
 }
 

@@ -148,6 +148,27 @@ TEST_F(SchemaMoImplExportTest, missingMemoryForTheResultIsItsOwnCodeAfterTheSucc
     EXPECT_THAT(below.records(), IsEmpty());
 }
 
+TEST_F(SchemaMoImplExportTest, resultThatCannotBeRegisteredIsFreedAndNotHandedOut) {
+    unsigned int refusals = 0;
+    bool isFailing = true;
+    for (unsigned int nth = 1; isFailing; ++nth) {
+        {
+            MemoryWatch watch;
+            runner.atExecution = [&watch, nth] { watch.failNew(nth); };
+            try {
+                EXPECT_EQ(doExport(), 0);
+            } catch (const std::bad_alloc&) {
+                EXPECT_EQ(result, &untouched) << nth;
+                EXPECT_EQ(watch.released(), watch.allocated()) << nth;
+                refusals += watch.allocated().empty() ? 0 : 1;
+            }
+            isFailing = watch.failed();
+        }
+        EXPECT_EQ(moImpl.finish(txHandle), 0);
+    }
+    EXPECT_GT(refusals, 0U);
+}
+
 TEST_F(SchemaMoImplExportTest, failingExportAllocatesNothingForTheFramework) {
     runner.code = -1;
     MemoryWatch watch;
