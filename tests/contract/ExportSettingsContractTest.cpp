@@ -150,6 +150,15 @@ TEST_F(ExportSettingsContractTest, runnerGetsTheSettings) {
     EXPECT_EQ(argumentsOf(), expected);
 }
 
+TEST_F(ExportSettingsContractTest, dscpValueAndAlgorithmsAreReadThroughOneAccessorEach) {
+    const FakeTransaction::Arguments arguments(true, 1, 60);
+    EXPECT_EQ(exportTo(uri), 0);
+    EXPECT_THAT(transactions.constructed, ElementsAre(arguments, arguments));
+    transactions.constructed.clear();
+    EXPECT_EQ(exportTo("sftp:"), -1);
+    EXPECT_THAT(transactions.constructed, IsEmpty());
+}
+
 TEST_F(ExportSettingsContractTest, readsLeaveTheirTracesInOrder) {
     EXPECT_EQ(exportTo(uri), 0);
     EXPECT_THAT(log.records(),
