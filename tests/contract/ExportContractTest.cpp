@@ -1,3 +1,4 @@
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -179,6 +180,7 @@ TEST_F(ExportContractTest, failureGivesTheRunnersCodeAndTellsItsReason) {
         EXPECT_TRUE(isResultUntouched());
     }
     EXPECT_THAT(host.messages(), SizeIs(8));
+    EXPECT_EQ(runner.executions, 8U);
     Tev::LoggingWrapper::instance().set_level(8);
     log.clear();
     EXPECT_EQ(resource().finish(txHandle), 0);
@@ -268,6 +270,28 @@ TEST_F(ExportContractTest, exportIsDoneInTheCallersThreadAndOthersReadMeanwhile)
     finish(other);
     mayEnd.set_value();
     EXPECT_EQ(code.get(), 0);
+}
+
+TEST_F(ExportContractTest, exportsOfTwoThreadsAreUnderWayAtOnce) {
+    std::promise<void> bothAreUnderWay;
+    const std::shared_future<void> both = bothAreUnderWay.get_future().share();
+    std::atomic<unsigned int> underWay = 0;
+    runner.atExecution = [&bothAreUnderWay, &both, &underWay] {
+        if (++underWay == 2) {
+            bothAreUnderWay.set_value();
+        }
+        const std::shared_future<void> mine = both;
+        EXPECT_EQ(mine.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    };
+    const auto exportIn = [this](unsigned long transaction) {
+        ExportParameters parameters(uri, "secret");
+        DalMoAttributeValueContainer* given = nullptr;
+        return objects().action(transaction, dnOf("Mom").c_str(), "export", parameters.array, &given);
+    };
+    std::future<TevReturnT> code = std::async(std::launch::async, exportIn, begin());
+    EXPECT_EQ(exportIn(begin()), 0);
+    EXPECT_EQ(code.get(), 0);
+    EXPECT_THAT(runner.constructed, ElementsAre(plainArguments(), plainArguments()));
 }
 
 // The thread context.
