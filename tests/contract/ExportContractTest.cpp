@@ -102,6 +102,12 @@ TEST_F(ExportContractTest, fileBehindADanglingLinkIsMissing) {
     expectInternalError(dnOf("Mom"), uri, -1, "Fragment file does not exist: " + file);
 }
 
+TEST_F(ExportContractTest, folderInThePlaceOfTheFileIsTheRunnersBusiness) {
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
+    EXPECT_EQ(argumentsOf(), plainArguments());
+}
+
 TEST_F(ExportContractTest, fileIsLookedForAtEachExport) {
     std::filesystem::remove(file);
     EXPECT_EQ(exportTo(uri), -1);
@@ -230,6 +236,15 @@ TEST_F(ExportContractTest, exceptionsOfTheRunnersReasonGoToTheCaller) {
     runner.code = -1;
     runner.atErrorMessage = [] { throw std::out_of_range("reason"); };
     expectThrown([this] { exportTo(uri); });
+}
+
+TEST_F(ExportContractTest, exceptionsOfTheThreadContextGoToTheCaller) {
+    host.whenCalled("addMessage", [] { throw std::out_of_range("addMessage"); });
+    expectThrown([this] { exportTo(uri); });
+    runner.code = -1;
+    EXPECT_THROW(exportTo(uri), std::out_of_range);
+    EXPECT_THROW(exportTo("sftp:"), std::out_of_range);
+    EXPECT_THROW(exportOf(dnOf("Other")), std::out_of_range);
 }
 
 TEST_F(ExportContractTest, exceptionsOfTheFrameworkAndOfNoTypeGoToTheCallerToo) {

@@ -394,6 +394,23 @@ TEST_F(ExportSettingsContractTest, fileThatCannotBeReadSwitchesDebugOff) {
         4, uri, warning("isDebugModeSet", "Caught exception " + reason() + ". Setting sftp debug mode to false"));
 }
 
+TEST_F(ExportSettingsContractTest, debugSwitchIsReadAfterTheAlgorithmsAndNotForABadUri) {
+    std::filesystem::remove(configuration);
+    log.clear();
+    EXPECT_EQ(exportTo("sftp:"), -1);
+    EXPECT_THAT(log.recordsOf("isDebugModeSet"), IsEmpty());
+    log.clear();
+    EXPECT_EQ(exportTo(uri), 0);
+    std::vector<std::string> functions;
+    for (const LogRecord& record : log.records()) {
+        if (functions.empty() || functions.back() != record.function) {
+            functions.push_back(record.function);
+        }
+    }
+    EXPECT_THAT(functions, ElementsAre("getOamBulkDscpValue", "getAttr", "getOamBulkDscpValue", "fetchCipherAttrValues",
+                                       "isDebugModeSet"));
+}
+
 TEST_F(ExportSettingsContractTest, withoutAFileAtInitialisationDebugIsOff) {
     std::filesystem::remove(configuration);
     restart();
