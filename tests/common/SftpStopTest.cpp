@@ -101,8 +101,8 @@ protected:
     }
 };
 
-// A signal ends a client that is between two commands: the temporary file stayed on a server that answered, and one that
-// had never been there was said to be left.
+// A signal ends a client that is between two commands: the temporary file stayed on a server that answered, and one
+// that had never been there was said to be left.
 TEST_P(SftpMomentTest, interruptionLeavesNothingAndSaysNothingOfIt) {
     const SftpServer server;
     const Transfer transfer = heldTransferTo(server);

@@ -18,13 +18,15 @@ constexpr int timeToRemove = 30000;  // milliseconds, where there is no time-out
 
 /// Opens a regular file; nothing else "transfers" in a way that anybody wants.
 FileDescriptor openLocal(const std::string& path) {
-    const int opened = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (opened < 0) {
-        const TevReturnT code = errno == ENOENT || errno == ENOTDIR ? TevReturnNotFound : TevReturnFailure;
+    FileDescriptor file;
+    try {
+        file = FileDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY), "open");
+    } catch (const std::system_error& error) {
+        const int reason = error.code().value();
+        const TevReturnT code = reason == ENOENT || reason == ENOTDIR ? TevReturnNotFound : TevReturnFailure;
         throw TevException(code, "the local file %s cannot be read: %s", printable(path).c_str(),
-                           std::generic_category().message(errno).c_str());
+                           error.code().message().c_str());
     }
-    FileDescriptor file(opened, "open");
     struct stat status {};
     if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
         throw TevException(TevReturnInvalidArgument, "the local file %s is not a regular file",
