@@ -16,6 +16,8 @@ namespace Tev {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 // The client answers this command by itself, with a line that begins like that.
 const char* const marker = "version\n";
 constexpr std::string_view markerAnswer = "SFTP protocol version";
@@ -166,9 +168,10 @@ void SftpSession::readTerminal() {
                                  [&](std::string_view bytes) { isQuestion = prompt.read(bytes) || isQuestion; });
     }
     if (isQuestion) {
-        const std::string answer = settings.password + '\n';
-        [[maybe_unused]] const ssize_t written =
-            TEMP_FAILURE_RETRY(write(terminal.descriptor().get(), answer.data(), answer.size()));
+        for (const std::string_view part : {std::string_view(settings.password), "\n"sv}) {
+            [[maybe_unused]] const ssize_t written =
+                TEMP_FAILURE_RETRY(write(terminal.descriptor().get(), part.data(), part.size()));
+        }
     }
 }
 

@@ -5,8 +5,8 @@
 
 namespace Tev {
 
-/// The time that a transfer has: until its time-out, or until the host wants it to end; then 0.75 s to clean up. Used by
-/// one thread.
+/// The time that a transfer has: until its time-out, or until the host wants it to end; then 0.75 s to clean up. Used
+/// by one thread.
 class TransferTime {
 public:
     /// Why the transfer has to stop.
