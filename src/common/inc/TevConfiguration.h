@@ -16,8 +16,8 @@ namespace Tev {
 /// An XML configuration file, held as a DOM.
 ///
 /// External entities are never followed. A document of more than `maxBytes`, with elements nested deeper than
-/// `maxDepth`, that declares more than `maxEntities` entities, or that grows beyond `maxBytes` when they are put in, is
-/// refused before a DOM is built. One with more than about 4,000 different names is refused as well.
+/// `maxDepth`, with more than `maxNames` different names of elements and attributes, that declares more than
+/// `maxEntities` entities, or that grows beyond `maxBytes` when they are put in, is refused before a DOM is built.
 ///
 /// Namespaces are not looked at: a prefix is part of the name.
 ///
@@ -27,6 +27,7 @@ public:
     static constexpr std::size_t maxBytes = 1048576;
     static constexpr int maxDepth = 64;
     static constexpr std::size_t maxEntities = 256;
+    static constexpr std::size_t maxNames = 4000;
 
     TevConfiguration();
     virtual ~TevConfiguration();

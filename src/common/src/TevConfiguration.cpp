@@ -22,7 +22,10 @@ using Poco::XML::XMLReader;
 
 namespace {
 
+// A prime, as the pool wants it. The pool throws when it is full; no exception may pass the parser's C code, which
+// would not be freed then.
 constexpr unsigned long namePoolSize = 4093;
+static_assert(namePoolSize > TevConfiguration::maxNames);
 
 class Descriptor {
 public:
@@ -91,7 +94,7 @@ std::string readFile(const std::string& path) {
 
 void checkLimits(const std::string& path, const std::string& bytes) {
     constexpr auto maxDepth = static_cast<std::size_t>(TevConfiguration::maxDepth);
-    XmlLimits limits(TevConfiguration::maxBytes, maxDepth, TevConfiguration::maxEntities);
+    XmlLimits limits(TevConfiguration::maxBytes, maxDepth, TevConfiguration::maxEntities, TevConfiguration::maxNames);
     if (const auto offence = limits.check(bytes)) {
         fail(path, offence->line, "more than " + std::to_string(offence->limit) + ' ' + offence->what);
     }

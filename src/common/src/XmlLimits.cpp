@@ -49,8 +49,8 @@ private:
     char piece[4096];
 };
 
-XmlLimits::XmlLimits(std::size_t maxSize, std::size_t maxDepth, std::size_t maxEntities)
-    : sizeLimit(maxSize), depthLimit(maxDepth), entityLimit(maxEntities) {}
+XmlLimits::XmlLimits(std::size_t maxSize, std::size_t maxDepth, std::size_t maxEntities, std::size_t maxNames)
+    : sizeLimit(maxSize), depthLimit(maxDepth), entityLimit(maxEntities), nameLimit(maxNames) {}
 
 XmlLimits::~XmlLimits() = default;
 
@@ -89,6 +89,13 @@ void XmlLimits::countEntity() {
     }
 }
 
+void XmlLimits::countName(const XMLString& name) {
+    names.insert(name);
+    if (names.size() > nameLimit) {
+        note(nameLimit, "different names");
+    }
+}
+
 void XmlLimits::note(std::size_t limit, const char* what) {
     if (!offence) {
         offence = Offence{locator->getLineNumber(), limit, what};
@@ -104,8 +111,10 @@ void XmlLimits::startElement(const XMLString& /*uri*/, const XMLString& /*localN
     if (++depth > depthLimit) {
         note(depthLimit, "levels of elements");
     }
+    countName(qualifiedName);
     countContent(sizeOf("</>") + qualifiedName.size());
     for (int i = 0; i < attributes.getLength(); ++i) {
+        countName(attributes.getQName(i));
         countContent(sizeOf(" =''") + attributes.getQName(i).size() + attributes.getValue(i).size());
     }
 }

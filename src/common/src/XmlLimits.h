@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <unordered_set>
 
 namespace Tev {
 
@@ -23,8 +24,9 @@ public:
 
     /// The largest size in bytes (as UTF-8, written as short as can be, with entities and default attributes put in),
     /// the deepest nesting of elements (the root is the first level) and the highest number of entity declarations: the
-    /// parser calls itself for every entity inside another.
-    XmlLimits(std::size_t maxSize, std::size_t maxDepth, std::size_t maxEntities);
+    /// parser calls itself for every entity inside another. And the highest number of different names of elements and
+    /// attributes: a DOM has room for so many, and finds out where an exception is no way out.
+    XmlLimits(std::size_t maxSize, std::size_t maxDepth, std::size_t maxEntities, std::size_t maxNames);
     ~XmlLimits() override;
 
     /// Returns the first offence in `document`, if there is one. Reading stops there, so the cost is bounded whatever
@@ -37,6 +39,7 @@ private:
 
     void countContent(std::size_t bytes);
     void countEntity();
+    void countName(const Poco::XML::XMLString& name);
     void note(std::size_t limit, const char* what);
 
     void setDocumentLocator(const Poco::XML::Locator* documentLocator) override;
@@ -64,10 +67,12 @@ private:
     const std::size_t sizeLimit;
     const std::size_t depthLimit;
     const std::size_t entityLimit;
+    const std::size_t nameLimit;
     const Poco::XML::Locator* locator = nullptr;
     std::size_t size = 0;
     std::size_t depth = 0;
     std::size_t entities = 0;
+    std::unordered_set<std::string> names;
     std::optional<Offence> offence;
 };
 
