@@ -16,6 +16,18 @@ using TevTest::EnvironmentVariable;
 
 class KnownHostsTest : public testing::Test {
 protected:
+    void expectRefused(const std::string& reason) const {
+        try {
+            const KnownHosts hosts;
+            FAIL();
+        } catch (const Tev::TevException& failure) {
+            EXPECT_EQ(failure.getReturnCode(), -1);
+            EXPECT_EQ(std::string(failure.what()),
+                      (folder.path() / "a/b/known_hosts").string() +
+                          ", where host keys are remembered, cannot be written: " + reason);
+        }
+    }
+
     const TevTest::TempFolder folder;
     const EnvironmentVariable state{"TEV_STATE_DIR", folder.path().string() + "/a/b"};
 };
@@ -44,15 +56,14 @@ TEST_F(KnownHostsTest, fileThatMayNotBeWritten) {
     std::filesystem::permissions(folder.path() / "a", std::filesystem::perms(0755));
     std::filesystem::permissions(folder.path() / "a/b", std::filesystem::perms(0555));
     const TevTest::AsNobody nobody;
-    try {
-        const KnownHosts hosts;
-        FAIL();
-    } catch (const Tev::TevException& failure) {
-        EXPECT_EQ(failure.getReturnCode(), -1);
-        EXPECT_EQ(std::string(failure.what()),
-                  (folder.path() / "a/b/known_hosts").string() +
-                      ", where host keys are remembered, cannot be written: Permission denied");
-    }
+    expectRefused("Permission denied");
+}
+
+// The look whether the folder is there hid the reason for which it could not be made: "No such file or directory".
+TEST_F(KnownHostsTest, folderThatMayNotBeMade) {
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0555));
+    const TevTest::AsNobody nobody;
+    expectRefused("Permission denied");
 }
 
 TEST_F(KnownHostsTest, optionKeepsTheNameAsItIs) {

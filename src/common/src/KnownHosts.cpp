@@ -44,8 +44,12 @@ void make(const fs::path& folder) {
     fs::path part;
     for (const fs::path& name : folder) {
         part /= name;
-        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST && !fs::is_directory(part)) {
-            throw fs::filesystem_error("mkdir", part, std::error_code(errno, std::generic_category()));
+        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) {
+            const std::error_code reason(errno, std::generic_category());
+            std::error_code ignored;
+            if (!fs::is_directory(part, ignored)) {
+                throw fs::filesystem_error("mkdir", part, reason);
+            }
         }
     }
 }
