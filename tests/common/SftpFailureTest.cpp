@@ -1,12 +1,18 @@
 #include <gmock/gmock.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <netinet/in.h>
 #include <pwd.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstddef>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -537,6 +543,26 @@ TEST_F(SftpFailureTest, clientProgramThatIsNotThere) {
     expectUntouched(server, transfer);
 }
 
+/// From here on the system has no memory for a further process.
+void refuseProcesses() {
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone, 1, 0), BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone3, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOMEM), BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+    const sock_fprog filter{std::size(program), program};
+    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
+        throw std::system_error(errno, std::generic_category(), "seccomp");
+    }
+}
+
+TEST_F(SftpFailureTest, noMemoryForTheClient) {
+    const SftpServer server;
+    const Transfer transfer = transferOver(server);
+    EXPECT_THAT(transfer.runInChild(refuseProcesses),
+                outcome(-10, "the SFTP client /usr/bin/sftp cannot be started: Cannot allocate memory"));
+    expectUntouched(server, transfer);
+}
+
 /// A program in the client's place, for what no server of ours does.
 class SftpClientTest : public SftpFailureTest {
 protected:
@@ -572,6 +598,23 @@ TEST_F(SftpClientTest, questionAfterThePasswordIsToldAndNotAnswered) {
 TEST_F(SftpClientTest, clientThatDoesNotWantToGoIsEnded) {
     EXPECT_THAT(millisecondsOf([&] {
                     EXPECT_THAT(runWith("trap '' TERM HUP INT\nexec <&- >&- 2>&-\nwhile :; do sleep 1; done\n", 500),
+                                outcome(-1, "the transfer was not over after 500 ms"));
+                }),
+                Lt(1500));
+}
+
+// A timer of the host's began the time that the client has to go anew, for ever when it rang often enough.
+TEST_F(SftpClientTest, clientThatDoesNotWantToGoIsEndedInAHostWithATimer) {
+    Transfer transfer = transferWith("trap '' TERM HUP INT\nfor i in 1 2 3 4 5; do sleep 1; done\n");
+    transfer.timeout = 500;
+    EXPECT_THAT(millisecondsOf([&] {
+                    EXPECT_THAT(transfer.runInChild([] {
+                        struct sigaction action {};
+                        action.sa_handler = [](int) {};
+                        sigaction(SIGALRM, &action, nullptr);
+                        const itimerval often{{0, 10'000}, {0, 10'000}};
+                        setitimer(ITIMER_REAL, &often, nullptr);
+                    }),
                                 outcome(-1, "the transfer was not over after 500 ms"));
                 }),
                 Lt(1500));
