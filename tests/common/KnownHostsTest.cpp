@@ -6,6 +6,7 @@
 
 #include "AsNobody.h"
 #include "EnvironmentVariable.h"
+#include "FileText.h"
 #include "TempFolder.h"
 #include "TevException.h"
 
@@ -42,6 +43,14 @@ TEST_F(KnownHostsTest, folderIsMadeForItsUserOnly) {
     ASSERT_EQ(stat((folder.path() / "a/b/known_hosts").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode, S_IFREG | 0600U);
     EXPECT_EQ(KnownHosts().path(), folder.path() / "a/b/known_hosts");
+}
+
+TEST_F(KnownHostsTest, fileThatIsThereStaysAsItIs) {
+    const KnownHosts first;
+    const std::string keys = "host a key\n";
+    folder.write("a/b/known_hosts", keys);
+    const KnownHosts second;
+    EXPECT_EQ(TevTest::contents(second.path()), keys);
 }
 
 TEST_F(KnownHostsTest, relativeFolderIsMadeAbsolute) {

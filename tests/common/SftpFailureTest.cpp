@@ -572,6 +572,7 @@ protected:
         chmod(transfer.program.c_str(), 0755);
         transfer.localFile = local.write("local", "");
         transfer.remotePath = "/x";
+        state.write("known_hosts", "127.0.0.1 a key\n");
         return transfer;
     }
 
@@ -643,6 +644,15 @@ TEST_F(SftpClientTest, lostAnswerToTheRenamingIsNoFailure) {
     std::filesystem::remove(mark);
     EXPECT_THAT(runWith(both + version),
                 outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
+}
+
+TEST_F(SftpClientTest, hostKeyThatWasNotWrittenEndsTheTransferBeforeAnythingIsSent) {
+    const Transfer transfer =
+        transferWith("read -r v; echo SFTP protocol version 3; cat >" + local.path().string() + "/commands\n");
+    const std::string file = state.write("known_hosts", "");
+    EXPECT_THAT(transfer.run(),
+                outcome(-1, file + ", where host keys are remembered, is empty: the server's key was not written"));
+    EXPECT_EQ(contents(local.path() / "commands"), "");
 }
 
 TEST_F(SftpClientTest, wordsWithoutEndAreBorne) {

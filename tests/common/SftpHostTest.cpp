@@ -189,13 +189,16 @@ TEST_F(SftpHostTest, emptyEnvironment) {
     });
 }
 
-/// A new world for the calling process, in which it may mount; it keeps its user.
+/// A new world for the calling process, in which it may mount; it keeps its user and group.
 void enterOwnMounts(uid_t seenAs) {
     const uid_t uid = geteuid();
+    const gid_t gid = getegid();
     if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
         throw std::system_error(errno, std::generic_category(), "unshare");
     }
     std::ofstream("/proc/self/uid_map") << seenAs << ' ' << uid << " 1\n";
+    std::ofstream("/proc/self/setgroups") << "deny";
+    std::ofstream("/proc/self/gid_map") << gid << ' ' << gid << " 1\n";
 }
 
 TEST_F(SftpHostTest, usersOwnConfigurationOfTheClientIsNotRead) {
@@ -221,6 +224,22 @@ TEST_F(SftpHostTest, userWithoutAnAccountIsTold) {
     EXPECT_EQ(
         transferTo(server).runInChild([] { enterOwnMounts(54399); }),
         (TransferOutcome{-1, "no connection to 127.0.0.1, port " + server.port() + ": No user exists for uid 54399"}));
+}
+
+// The client opened the file, could not write to it, said nothing and went on with a key that nobody had pinned.
+TEST_F(SftpHostTest, fullDiskUnderTheStateFolderIsTold) {
+    const SftpServer server;
+    const std::string file = state.path() / "known_hosts";
+    EXPECT_EQ(
+        transferTo(server).runInChild([&] {
+            enterOwnMounts(geteuid());
+            if (mount("none", state.path().c_str(), "tmpfs", 0, "size=65536") != 0) {
+                throw std::system_error(errno, std::generic_category(), "mount");
+            }
+            std::ofstream(state.path() / "other") << std::string(65536, 'x');  // as much as there is room for
+        }),
+        (TransferOutcome{-1, file + ", where host keys are remembered, cannot be written: No space left on device"}));
+    EXPECT_THAT(server.names(), IsEmpty());
 }
 
 TEST_F(SftpHostTest, hostThatIsKilledLeavesNoClient) {

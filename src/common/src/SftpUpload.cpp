@@ -47,6 +47,7 @@ void SftpUpload::run() {
     if (!session.connect()) {
         throw session.stop() == Stop::None ? failure.ofConnection(session.takeWords()) : stopped(session);
     }
+    knownHosts.checkKeyIsKept();
     // Warnings on the way, and in debug mode the server's banner.
     session.takeWords();
 
