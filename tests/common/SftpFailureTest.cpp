@@ -19,6 +19,7 @@
 
 #include "AsNobody.h"
 #include "FileText.h"
+#include "LogCapture.h"
 #include "SftpTest.h"
 #include "TcpProxy.h"
 
@@ -587,13 +588,48 @@ TEST_F(SftpClientTest, questionAfterThePasswordIsToldAndNotAnswered) {
     const TransferOutcome result = runWith(
         "exec 5<>/dev/tty\n"
         "printf '\\rPassword: ' >&5; read -r answer <&5\n"
-        "printf '\\nYour password has expired. New password: ' >&5; read -r answer <&5\n"
+        "printf '\\n\\rYour password has expired. New password: ' >&5; read -r answer <&5\n"
         "echo \"$answer\" >" +
         (local.path() / "answer").string());
     EXPECT_THAT(result, outcome(-1,
                                 "the server 127.0.0.1 refuses the password, or wants more than that; it asks: \"Your "
                                 "password has expired. New password: \""));
     EXPECT_FALSE(std::filesystem::exists(local.path() / "answer"));
+}
+
+TEST_F(SftpClientTest, questionOfSeveralLinesIsAnswered) {
+    for (const char* const pause : {"", "sleep 0.2"}) {
+        Transfer transfer = transferWith(std::string("exec 5<>/dev/tty\n"
+                                                     "printf '\\r(tester@host) Welcome to the vault.\\n' >&5\n") +
+                                         pause +
+                                         "\nprintf 'Password: ' >&5; read -r answer <&5; printf '\\n' >&5\n"
+                                         "while read -r command; do echo SFTP protocol version 3; done\n"
+                                         "echo \"$answer\" >" +
+                                         (local.path() / "answer").string());
+        EXPECT_EQ(transfer.run(), success);
+        EXPECT_EQ(contents(local.path() / "answer"), transfer.password + '\n');
+    }
+}
+
+TEST_F(SftpClientTest, passwordOfTheGreatestLengthIsSent) {
+    Transfer transfer = transferWith("exec 5<>/dev/tty\nprintf '\\rPassword: ' >&5\nhead -c 1024 <&5 >" +
+                                     (local.path() / "answer").string() + "\n");
+    transfer.password = std::string(1022, 'p') + '.';
+    transfer.run();
+    EXPECT_EQ(contents(local.path() / "answer"), transfer.password + '\n');
+}
+
+// While the client wrote faster than its words were taken, neither the time-out nor an interruption was seen.
+TEST_F(SftpClientTest, clientThatNeverStopsTalkingIsEndedByTheTimeout) {
+    const TevTest::LogCapture log(6);
+    Transfer transfer = transferWith("exec timeout 8 yes >&2\n");
+    transfer.timeout = 1000;
+    for (const bool isDebugging : {false, true}) {
+        transfer.debug = isDebugging;
+        EXPECT_THAT(millisecondsOf(
+                        [&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 1000 ms")); }),
+                    AllOf(Ge(1000), Lt(2000)));
+    }
 }
 
 TEST_F(SftpClientTest, clientThatDoesNotWantToGoIsEnded) {
