@@ -13,6 +13,7 @@
 
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -86,8 +87,40 @@ public:
 
     std::string port;
 
-private:
+protected:
     int descriptor;
+};
+
+/// A port where the first connection gets a message of farewell before any key is exchanged.
+class FarewellPort : public SilentPort {
+public:
+    explicit FarewellPort(const std::string& message)
+        : speaking([this, message] {
+              const int client = accept4(descriptor, nullptr, nullptr, SOCK_CLOEXEC);
+              const std::string bytes = "SSH-2.0-server\r\n" + packet(message);
+              char answer[4096];
+              // Closed only when the client is through, so that nothing gets lost.
+              for (ssize_t count = send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL); count > 0;) {
+                  count = read(client, answer, sizeof answer);
+              }
+              close(client);
+          }) {}
+    ~FarewellPort() { speaking.join(); }
+
+private:
+    static std::string number(std::size_t value) {
+        const std::uint32_t inOrder = htonl(static_cast<std::uint32_t>(value));
+        return {reinterpret_cast<const char*>(&inOrder), sizeof inOrder};
+    }
+
+    /// RFC 4253, sections 6 and 11.1: SSH_MSG_DISCONNECT with a reason, the message and no language.
+    static std::string packet(const std::string& message) {
+        const std::string payload = '\1' + number(2) + number(message.size()) + message + number(0);
+        const std::size_t padding = 12 - (payload.size() + 9) % 8;
+        return number(1 + payload.size() + padding) + static_cast<char>(padding) + payload + std::string(padding, '\0');
+    }
+
+    std::thread speaking;
 };
 
 /// From here on the process is alone in an empty network, and keeps its user.
@@ -168,6 +201,19 @@ TEST_F(SftpFailureTest, serverThatEndsTheConnectionAtOnce) {
     EXPECT_THAT(transfer.run(), outcome(-1, MatchesRegex("the server 127\\.0\\.0\\.1, port " + proxy.port() +
                                                          ", has ended the connection: .*Connection .* by .*")));
     expectUntouched(server, transfer);
+}
+
+// What the server said was told as the client's own words, with the command that forgets the true key.
+TEST_F(SftpFailureTest, farewellThatImitatesAChangedHostKeyIsTheServers) {
+    Transfer transfer;
+    transfer.localFile = local.write("local", "");
+    transfer.remotePath = "/x";
+    for (const std::string before : {"", "x\n", "x\r"}) {
+        const FarewellPort server(before + "Host key for x has changed");
+        transfer.port = server.port;
+        EXPECT_THAT(transfer.run(), outcome(-1, StartsWith("the server 127.0.0.1, port " + server.port +
+                                                           ", has ended the connection: Received disconnect from ")));
+    }
 }
 
 TEST_F(SftpFailureTest, serverWithoutPasswords) {
@@ -516,6 +562,15 @@ TEST_F(SftpFailureTest, localFileThatMayNotBeRead) {
         EXPECT_THAT(transfer.run(),
                     outcome(-1, "the local file " + transfer.localFile + " cannot be read: Permission denied"));
     }
+    expectUntouched(server, transfer);
+}
+
+// It was told as a broken connection.
+TEST_F(SftpFailureTest, localFileThatCannotBeReadAnyMore) {
+    const SftpServer server;
+    Transfer transfer = transferOver(server);
+    transfer.localFile = "/sys/class/net/lo/speed";  // there is none
+    EXPECT_THAT(transfer.run(), outcome(-1, "the local file /sys/class/net/lo/speed cannot be read: Invalid argument"));
     expectUntouched(server, transfer);
 }
 

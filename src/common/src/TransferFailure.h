@@ -33,6 +33,7 @@ private:
     struct Row;
 
     TevException find(const std::vector<Row>& rows, const std::vector<std::string>& words) const;
+    static bool matches(const Row& row, const std::string& line);
     std::string filled(const std::string& sentence, const std::string& line) const;
 
     const TransferSettings& settings;
