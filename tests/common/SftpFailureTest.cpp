@@ -652,6 +652,21 @@ TEST_F(SftpClientTest, questionAfterThePasswordIsToldAndNotAnswered) {
     EXPECT_FALSE(std::filesystem::exists(local.path() / "answer"));
 }
 
+TEST_F(SftpClientTest, serverThatFallsSilentIsGivenUpByTheClient) {
+    const std::string arguments = local.path() / "arguments";
+    Transfer transfer = transferWith("echo \" $* \" >" + arguments + "\n");
+    transfer.timeout = 0;
+    transfer.run();
+    for (const char* const option :
+         {" -oConnectTimeout=120 ", " -oServerAliveInterval=15 ", " -oServerAliveCountMax=3 "}) {
+        EXPECT_THAT(contents(arguments), HasSubstr(option));
+    }
+    // Its own seconds end after our time-out.
+    transfer.timeout = 4900;
+    transfer.run();
+    EXPECT_THAT(contents(arguments), HasSubstr(" -oConnectTimeout=5 "));
+}
+
 TEST_F(SftpClientTest, questionOfSeveralLinesIsAnswered) {
     for (const char* const pause : {"", "sleep 0.2"}) {
         Transfer transfer = transferWith(std::string("exec 5<>/dev/tty\n"

@@ -19,7 +19,7 @@
 #include <thread>
 
 #include "FileText.h"
-#include "LoggingWrapper.h"
+#include "LogCapture.h"
 #include "SftpTest.h"
 #include "TcpProxy.h"
 
@@ -292,7 +292,7 @@ TEST_F(SftpHostTest, passwordIsSeenNowhere) {
     SftpServer::Setting setting;
     setting.password = std::string("swordfish") + std::to_string(getpid());
     const SftpServer server(setting);
-    const std::string log = local.path() / "log";
+    const TevTest::LogCapture log(8);
     TcpProxy proxy(server.host(), server.port());
     proxy.holdAfter(200'000);
     Transfer transfer = transferTo(server, TevTest::randomBytes(1'000'000));
@@ -304,13 +304,12 @@ TEST_F(SftpHostTest, passwordIsSeenNowhere) {
         texts = visibleTexts({local.path(), state.path(), server.world()});
         proxy.resume();
     });
-    EXPECT_EQ(transfer.runInChild([&] {
-        // The first use of the log in this process.
-        setenv("TEV_LOG_LEVEL", "8", 1);
-        Tev::LoggingWrapper::instance().set_level(8);
-    }),
-              success);
+    EXPECT_EQ(transfer.run(), success);
     looking.join();
+    for (const TevTest::LogRecord& record : log.records()) {
+        texts.push_back(record.text);
+    }
+    EXPECT_THAT(texts, testing::Contains(HasSubstr("sftp: debug1: Next authentication method: password")));
     EXPECT_THAT(texts, testing::Contains(HasSubstr("-oUserKnownHostsFile=")));
     EXPECT_THAT(texts, Each(Not(HasSubstr(setting.password))));
 }
