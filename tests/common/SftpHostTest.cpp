@@ -140,6 +140,29 @@ TEST_F(SftpHostTest, manyOpenDescriptors) {
     });
 }
 
+// One end of a pipe stayed open when there was no descriptor for the other.
+TEST_F(SftpHostTest, tooFewDescriptorsAreToldWithWhatTheyAreMissingForAndNoneIsLeft) {
+    const SftpServer server;
+    const Transfer transfer = transferTo(server);
+    std::vector<TransferOutcome> outcomes;
+    // A transfer uses those from 10 on.
+    for (rlim_t limit = 11; outcomes.empty() || outcomes.back().code == -1; ++limit) {
+        outcomes.push_back(transfer.runInChild([limit] {
+            const rlimit few{limit, limit};
+            setrlimit(RLIMIT_NOFILE, &few);
+        }));
+    }
+    EXPECT_EQ(outcomes.back(), success);
+    outcomes.pop_back();
+    for (const TransferOutcome& outcome : outcomes) {
+        EXPECT_THAT(
+            outcome.sentence,
+            testing::MatchesRegex("(the local file .* cannot be read|.*known_hosts, .* cannot be written|no "
+                                  "pipe|no pseudo terminal|no handle of the SFTP client): Too many open files"));
+    }
+    EXPECT_THAT(outcomes, SizeIs(Ge(5)));
+}
+
 TEST_F(SftpHostTest, clientGetsNoDescriptorOfTheHosts) {
     const SftpServer server;
     TcpProxy proxy(server.host(), server.port());

@@ -34,7 +34,12 @@ struct Pipe {
         if (pipe2(ends, O_CLOEXEC) != 0) {
             throw std::system_error(errno, std::generic_category(), "no pipe");
         }
-        writeEnd = FileDescriptor(ends[1], "no pipe");
+        try {
+            writeEnd = FileDescriptor(ends[1], "no pipe");
+        } catch (...) {
+            close(ends[0]);
+            throw;
+        }
         readEnd = FileDescriptor(ends[0], "no pipe");
     }
 };

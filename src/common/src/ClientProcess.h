@@ -33,7 +33,7 @@ public:
 
     bool hasEnded() const noexcept;
 
-    /// Sends SIGINT to the client: it leaves the command that it carries out.
+    /// Sends SIGINT to the client: it leaves the command that it carries out; between two commands it ends.
     void interrupt() const;
 
     /// Ends the client and what it has started, within about 0.1 s.

@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "Deadline.h"
 #include "FileDescriptor.h"
 #include "KnownHosts.h"
 #include "RemoteFile.h"
@@ -11,6 +10,7 @@
 #include "TevException.h"
 #include "TransferFailure.h"
 #include "TransferSettings.h"
+#include "TransferTime.h"
 
 namespace Tev {
 
@@ -28,14 +28,16 @@ public:
     void run();
 
 private:
-    enum class Removal { Done, NotThere, Failed };
+    enum class Removal { Done, NotThere, Failed, NotAnswered };
 
-    TevException stopped(const SftpSession& session) const;
-    TevException withRest(const TevException& failure, Removal removal) const;
-    Removal remove(SftpSession& session) const;
-    Removal removeAnew() const;
+    TevException notConnected(SftpSession& session);
+    TevException stopped();
+    TevException withRest(const TevException& reason, Removal removal) const;
+    Removal remove(SftpSession& session);
+    Removal removeAnew();
+    Removal removeOver(SftpSession& session) const;
 
-    Deadline deadline;
+    TransferTime time;
     TransferSettings settings;
     RemoteFile remote;
     FileDescriptor local;
