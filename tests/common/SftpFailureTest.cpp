@@ -309,6 +309,30 @@ TEST_F(SftpFailureTest, folderThatMayNotBeWritten) {
     ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
 }
 
+// A temporary file that had never been opened was said to be left.
+TEST_F(SftpFailureTest, folderThatMayNotBeSearched) {
+    const SftpServer server;
+    const std::filesystem::path folder = server.world() / "closed";
+    std::filesystem::create_directory(folder);
+    Transfer transfer = transferTo(server);
+    transfer.remotePath = folder / "remote";
+    ASSERT_EQ(chmod(folder.c_str(), 0), 0);
+    EXPECT_THAT(transfer.run(), outcome(-1, "the user tester may not write into the folder of " + transfer.remotePath +
+                                                " on the server"));
+    ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+}
+
+// The client cut the line in which the reason against a removal stood.
+TEST_F(SftpFailureTest, missingFolderWithALongName) {
+    const SftpServer server;
+    Transfer transfer = transferTo(server);
+    transfer.remotePath = server.folder();
+    for (int i = 0; i < 300; ++i) {
+        transfer.remotePath += "/ä";
+    }
+    EXPECT_THAT(transfer.run(), outcome(-2, "the folder of " + transfer.remotePath + " is not there on the server"));
+}
+
 TEST_F(SftpFailureTest, folderInThePlaceOfTheFile) {
     const SftpServer server;
     const Transfer transfer = transferTo(server);
@@ -574,6 +598,29 @@ TEST_F(SftpFailureTest, localFileThatCannotBeReadAnyMore) {
     expectUntouched(server, transfer);
 }
 
+// It was put in place, torn or mixed of old and new.
+TEST_F(SftpFailureTest, localFileThatChangesMeanwhile) {
+    const SftpServer server;
+    const std::function<void(const std::string&)> changes[] = {
+        [](const std::string& file) { std::filesystem::resize_file(file, 1'000'000); },
+        [](const std::string& file) { std::fstream(file, std::ios::in | std::ios::out) << "x"; }};
+    for (const auto& change : changes) {
+        TcpProxy proxy(server.host(), server.port());
+        Transfer transfer = transferOver(server, randomBytes(3'000'000));
+        transfer.port = proxy.port();
+        proxy.holdAfter(500'000);
+        std::thread changing([&] {
+            waitUntil([&] { return proxy.bytes() >= 500'000; });
+            change(transfer.localFile);
+            proxy.resume();
+        });
+        EXPECT_THAT(transfer.run(),
+                    outcome(-1, "the local file " + transfer.localFile + " changed during the transfer"));
+        changing.join();
+        expectUntouched(server, transfer);
+    }
+}
+
 TEST_F(SftpFailureTest, localFileThatIsNoRegularFile) {
     const SftpServer server;
     Transfer transfer = transferOver(server);
@@ -736,6 +783,42 @@ TEST_F(SftpClientTest, clientThatGoesBetweenTwoCommandsIsNoSignalToTheHost) {
         sigprocmask(SIG_SETMASK, &none, nullptr);
     }),
                 outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
+}
+
+// What the user's login on the server writes to standard error was taken for a failure: a file in its place was said
+// not to be there.
+TEST_F(SftpClientTest, wordsOfTheServerAreNoFailure) {
+    const std::string version = "echo SFTP protocol version 3\n";
+    const std::string words = "echo 'Your quota is nearly used up.' >&2\n";
+    const std::string untilRenamed = "read -r v; " + version + "read -r put; read -r v; " + words + version +
+                                     "read -r rename; read -r v; " + words + version;
+    const std::string notThere = "echo 'remote delete /.tev-1: No such file or directory' >&2\n";
+    EXPECT_EQ(runWith(untilRenamed + "read -r rm; read -r v; " + notThere + version), success);
+    EXPECT_THAT(runWith(untilRenamed + "read -r rm; read -r v; " + words + version),
+                outcome(-1, "the server does not put the file in the place of /x: Your quota is nearly used up."));
+}
+
+// A line without an end must not hide the client's words behind it.
+TEST_F(SftpClientTest, failureBehindWordsOfTheServerIsOne) {
+    const std::string version = "echo SFTP protocol version 3\n";
+    EXPECT_THAT(runWith("read -r v; " + version +
+                        "read -r put; read -r v; echo 'Hello write remote \"/.tev-1\": Failure' >&2; " + version +
+                        "read -r rm; read -r v; " + version),
+                outcome(-1, "the server does not take the file: Hello write remote \"/.tev-1\": Failure"));
+}
+
+TEST_F(SftpClientTest, onlyTheServersReasonTellsThatThereIsNothingToRemove) {
+    const std::string version = "echo SFTP protocol version 3\n";
+    const auto refusing = [&](const std::string& words) {
+        return runWith("read -r v; " + version + "read -r put; read -r v; echo 'write remote \"x\": Failure' >&2; " +
+                       version + "read -r rm; read -r v; echo '" + words + "' >&2; " + version);
+    };
+    EXPECT_THAT(refusing("remote delete /No such file or directory/.tev-1: Failure").sentence,
+                HasSubstr("may be left on the server"));
+    EXPECT_THAT(refusing("remote delete /x: No such file or directory/\\\\303\\\\27").sentence,
+                HasSubstr("may be left on the server"));
+    EXPECT_THAT(refusing("remote delete /.tev-1: No such file or directory").sentence,
+                testing::EndsWith("a limit reached: Failure"));
 }
 
 // The answer to the renaming may get lost. Then the temporary file's absence tells that the file is in its place.

@@ -1,7 +1,9 @@
 #include "TransferFailure.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 #include "ClientWords.h"
 
@@ -26,11 +28,40 @@ std::string afterLast(const std::string& line, const std::string& separator) {
     return found == std::string::npos ? line : line.substr(found + separator.size());
 }
 
+constexpr const char* notOpened = "dest open ";
+
+bool isInOne(const std::vector<std::string>& words, const std::string& text) {
+    return std::any_of(words.begin(), words.end(),
+                       [&](const std::string& line) { return line.find(text) != std::string::npos; });
+}
+
 }  // namespace
 
 TransferFailure::TransferFailure(const TransferSettings& checkedSettings, const KnownHosts& knownHostsFile,
                                  const std::string& path)
     : settings(checkedSettings), knownHosts(knownHostsFile), remotePath(path) {}
+
+bool TransferFailure::isIn(const std::vector<std::string>& words) {
+    // Looked for anywhere: the server may write the beginning of the line, and no failure must be missed. The first two
+    // are the names of our files.
+    static const std::vector<const char*> texts = {"/.tev-",       "/dev/fd/3",    notOpened,        "write remote ",
+                                                   "remote fsync", "close remote", "remote rename ", "remote delete ",
+                                                   "Couldn't ",    "Invalid ",     "Unterminated "};
+    return std::any_of(texts.begin(), texts.end(), [&](const char* text) { return isInOne(words, text); });
+}
+
+bool TransferFailure::isNotOpened(const std::vector<std::string>& words) {
+    return isInOne(words, notOpened);
+}
+
+bool TransferFailure::isNotThere(const std::vector<std::string>& words) {
+    // Only at the end: the path may hold anything, and the client may have cut the line in it.
+    constexpr std::string_view reason = ": No such file or directory";
+    return std::any_of(words.begin(), words.end(), [&](const std::string& line) {
+        return line.find("remote delete ") != std::string::npos && line.size() >= reason.size() &&
+               line.compare(line.size() - reason.size(), reason.size(), reason) == 0;
+    });
+}
 
 TevException TransferFailure::ofConnection(const std::vector<std::string>& words) const {
     static const std::vector<Row> rows = {
