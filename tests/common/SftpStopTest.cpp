@@ -194,6 +194,7 @@ TEST_F(SftpStopTest, serverThatIsSlowWithEveryStepOfTheEndIsLeftInTime) {
     transfer.localFile = local.write("local", "");
     transfer.remotePath = "/x";
     transfer.timeout = 1000;
+    state.write("known_hosts", "127.0.0.1 a key\n");
     transfer.program = writeScript(
         "trap '' TERM HUP INT\n"
         "answer() { echo SFTP protocol version 3; }\n"

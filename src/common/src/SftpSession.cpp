@@ -36,17 +36,21 @@ int connectSeconds(const TransferSettings& settings, TransferTime& time) {
     return settings.timeout > 0 ? time.timeLeft(INT_MAX - 1000) / 1000 + 1 : withoutTimeout;
 }
 
-/// Gives what there is to read to `take`, piece by piece. Returns false at the end of the stream.
+/// Gives what there is to read to `take`, piece by piece, but no more than a pipe holds: the client may write faster
+/// than we read. Returns false at the end of the stream.
 template <class Take>
-bool readAll(const FileDescriptor& descriptor, Take take) {
+bool readSome(const FileDescriptor& descriptor, Take take) {
+    constexpr std::size_t mostBytes = 65536;
     char buffer[4096];
-    for (;;) {
+    for (std::size_t total = 0; total < mostBytes;) {
         const ssize_t count = TEMP_FAILURE_RETRY(read(descriptor.get(), buffer, sizeof buffer));
         if (count <= 0) {
             return count < 0 && errno == EAGAIN;
         }
         take(std::string_view(buffer, static_cast<std::size_t>(count)));
+        total += static_cast<std::size_t>(count);
     }
+    return true;
 }
 
 }  // namespace
@@ -132,7 +136,7 @@ void SftpSession::waitForWords() {
 }
 
 void SftpSession::readOutput() {
-    const bool isOpen = readAll(client.output, [this](std::string_view bytes) {
+    const bool isOpen = readSome(client.output, [this](std::string_view bytes) {
         for (const char character : bytes) {
             if (character == '\n') {
                 readOutputLine();
@@ -156,18 +160,16 @@ void SftpSession::readOutputLine() {
 }
 
 void SftpSession::readError() {
-    if (!readAll(client.error, [this](std::string_view bytes) { words.add(bytes); })) {
+    if (!readSome(client.error, [this](std::string_view bytes) { words.add(bytes); })) {
         client.error.close();
     }
 }
 
 void SftpSession::readTerminal() {
-    bool isQuestion = false;
     if (isTerminalOpen) {
-        isTerminalOpen = readAll(terminal.descriptor(),
-                                 [&](std::string_view bytes) { isQuestion = prompt.read(bytes) || isQuestion; });
+        isTerminalOpen = readSome(terminal.descriptor(), [this](std::string_view bytes) { prompt.read(bytes); });
     }
-    if (isQuestion) {
+    if (prompt.takeQuestion()) {
         for (const std::string_view part : {std::string_view(settings.password), "\n"sv}) {
             [[maybe_unused]] const ssize_t written =
                 TEMP_FAILURE_RETRY(write(terminal.descriptor().get(), part.data(), part.size()));

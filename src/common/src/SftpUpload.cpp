@@ -16,8 +16,8 @@ using Stop = TransferTime::Stop;
 
 constexpr int timeToRemove = 30000;  // milliseconds, where there is no time-out
 
-/// Opens a regular file; nothing else "transfers" in a way that anybody wants.
-FileDescriptor openLocal(const std::string& path) {
+/// Opens a regular file and tells its status; nothing else "transfers" in a way that anybody wants.
+FileDescriptor openLocal(const std::string& path, struct stat& status) {
     FileDescriptor file;
     try {
         file = FileDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY), "open");
@@ -27,7 +27,6 @@ FileDescriptor openLocal(const std::string& path) {
         throw TevException(code, "the local file %s cannot be read: %s", printable(path).c_str(),
                            error.code().message().c_str());
     }
-    struct stat status {};
     if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
         throw TevException(TevReturnInvalidArgument, "the local file %s is not a regular file",
                            printable(path).c_str());
@@ -41,7 +40,7 @@ SftpUpload::SftpUpload(const TransferSettings& given)
     : time(given.timeout),
       settings(given.checked()),
       remote(settings.remotePath, settings.localFile),
-      local(openLocal(settings.localFile)),
+      local(openLocal(settings.localFile, localBefore)),
       failure(settings, knownHosts, remote.path()) {}
 
 void SftpUpload::run() {
@@ -49,6 +48,7 @@ void SftpUpload::run() {
     if (!session.connect()) {
         throw notConnected(session);
     }
+    knownHosts.checkKeyIsKept();
     // Warnings on the way, and in debug mode the server's banner.
     session.takeWords();
     if (time.stop() != Stop::None) {
@@ -63,8 +63,14 @@ void SftpUpload::run() {
     if (!isSent) {
         throw withRest(failure.ofBrokenConnection(putWords), removeAnew());
     }
-    if (!putWords.empty()) {
-        throw withRest(failure.ofPut(putWords), remove(session));
+    if (TransferFailure::isIn(putWords)) {
+        throw withRest(failure.ofPut(putWords),
+                       TransferFailure::isNotOpened(putWords) ? Removal::NotThere : remove(session));
+    }
+    if (hasLocalChanged()) {
+        throw withRest(
+            TevException("the local file %s changed during the transfer", printable(settings.localFile).c_str()),
+            remove(session));
     }
 
     const bool isRenamed = session.run(remote.renameCommand());
@@ -77,10 +83,20 @@ void SftpUpload::run() {
             throw withRest(isStopped ? stopped() : failure.ofBrokenConnection(renameWords), removal);
         }
     } else if (!renameWords.empty()) {
-        throw withRest(isStopped ? stopped() : failure.ofRename(renameWords), remove(session));
+        const Removal removal = remove(session);
+        // The words may be the server's own, as a text of the user's login there.
+        if (TransferFailure::isIn(renameWords) || removal != Removal::NotThere) {
+            throw withRest(isStopped ? stopped() : failure.ofRename(renameWords), removal);
+        }
     } else {
         session.leave();
     }
+}
+
+bool SftpUpload::hasLocalChanged() const {
+    struct stat now {};
+    return fstat(local.get(), &now) != 0 || now.st_size != localBefore.st_size ||
+           now.st_mtim.tv_sec != localBefore.st_mtim.tv_sec || now.st_mtim.tv_nsec != localBefore.st_mtim.tv_nsec;
 }
 
 TevException SftpUpload::notConnected(SftpSession& session) {
@@ -132,10 +148,10 @@ SftpUpload::Removal SftpUpload::removeOver(SftpSession& session) const {
         return Removal::NotAnswered;
     }
     session.leave();
-    if (words.empty()) {
+    if (!TransferFailure::isIn(words)) {
         return Removal::Done;
     }
-    return words.front().find("No such file") != std::string::npos ? Removal::NotThere : Removal::Failed;
+    return TransferFailure::isNotThere(words) ? Removal::NotThere : Removal::Failed;
 }
 
 }  // namespace Tev

@@ -1,6 +1,8 @@
 #ifndef TEV_SFTP_UPLOAD_H
 #define TEV_SFTP_UPLOAD_H
 
+#include <sys/stat.h>
+
 #include <string>
 
 #include "FileDescriptor.h"
@@ -30,6 +32,7 @@ public:
 private:
     enum class Removal { Done, NotThere, Failed, NotAnswered };
 
+    bool hasLocalChanged() const;
     TevException notConnected(SftpSession& session);
     TevException stopped();
     TevException withRest(const TevException& reason, Removal removal) const;
@@ -40,6 +43,7 @@ private:
     TransferTime time;
     TransferSettings settings;
     RemoteFile remote;
+    struct stat localBefore {};
     FileDescriptor local;
     KnownHosts knownHosts;
     TransferFailure failure;
