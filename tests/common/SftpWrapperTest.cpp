@@ -48,9 +48,10 @@ TEST_P(SftpSizeTest, arrivesByteForByte) {
     EXPECT_THAT(server.names(), ElementsAre("remote"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, SftpSizeTest,
-                         testing::Combine(testing::Values(std::string("127.0.0.1"), std::string("::1")),
-                                          testing::Values(0U, 10'000U, 100'000'000U)));
+const auto addresses = testing::Values(std::string("127.0.0.1"), std::string("::1"));
+
+INSTANTIATE_TEST_SUITE_P(, SftpSizeTest, testing::Combine(addresses, testing::Values(0U, 10'000U)));
+INSTANTIATE_TEST_SUITE_P(Long, SftpSizeTest, testing::Combine(addresses, testing::Values(100'000'000U)));
 
 /// Every byte that a name may hold, and what has a meaning to a shell, a pattern or the client.
 std::vector<std::string> difficultNames() {
@@ -102,15 +103,17 @@ TEST_F(SftpWrapperTest, localNameWithANewlineIsReadAsAnyOther) {
 
 TEST_F(SftpWrapperTest, relativePathBeginsAtTheUsersFolder) {
     const SftpServer server;
-    std::filesystem::create_directory(server.folder() / "-d");
-    std::filesystem::permissions(server.folder() / "-d", std::filesystem::perms(0777));
-    for (const char* const path : {"file", "-x", "~file", "-d/file"}) {
+    for (const char* const folder : {"-d", "~"}) {
+        std::filesystem::create_directory(server.folder() / folder);
+        std::filesystem::permissions(server.folder() / folder, std::filesystem::perms(0777));
+    }
+    for (const char* const path : {"file", "-x", "~file", "-d/file", "~/file"}) {
         Transfer transfer = transferTo(server, path);
         transfer.remotePath = path;
         EXPECT_EQ(transfer.run(), success);
         EXPECT_EQ(contents(server.folder() / path), path);
     }
-    EXPECT_THAT(server.names(), ElementsAre("-d", "-x", "file", "~file"));
+    EXPECT_THAT(server.names(), ElementsAre("-d", "-x", "file", "~", "~file"));
 }
 
 TEST_F(SftpWrapperTest, remoteFileGetsTheLocalModeAndReplacesALink) {
@@ -161,7 +164,7 @@ TEST_P(SftpDscpTest, isSetOnTheConnection) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, SftpDscpTest, testing::Values(std::string("127.0.0.1"), std::string("::1")));
+INSTANTIATE_TEST_SUITE_P(, SftpDscpTest, addresses);
 
 TEST_F(SftpWrapperTest, debugBringsTheClientsStepsIntoTheLog) {
     const SftpServer server;

@@ -1,12 +1,9 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <link.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +15,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "CommandOutput.h"
 #include "ExportParameters.h"
 #include "FakeHost.h"
 
@@ -50,21 +48,8 @@ struct Symbol {
 /// The library's dynamic symbols; `which` is an option of `nm`.
 std::vector<Symbol> dynamicSymbols(const std::string& which) {
     const std::string command = std::string(TEV_NM) + " --dynamic --format=posix " + which + " '" + libraryFile + "'";
-    FILE* const output = popen(command.c_str(), "r");
-    if (output == nullptr) {
-        throw std::runtime_error("cannot run " + command);
-    }
-    std::string text;
-    std::array<char, 4096> piece{};
-    for (std::size_t length = 1; length > 0;) {
-        length = std::fread(piece.data(), 1, piece.size(), output);
-        text.append(piece.data(), length);
-    }
-    if (const int status = pclose(output); !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-        throw std::runtime_error("failed: " + command);
-    }
     std::vector<Symbol> symbols;
-    std::istringstream lines(text);
+    std::istringstream lines(outputOf(command));
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
         Symbol symbol{};

@@ -116,7 +116,7 @@ std::vector<LogRecord> LogCapture::recordsOf(const std::string& functionName) co
 }
 
 void LogCapture::clear() {
-    begin = std::filesystem::file_size(LogFile::path());
+    begin = static_cast<std::size_t>(std::filesystem::file_size(LogFile::path()));
 }
 
 Records message(int level, const std::string& sourceFile, const std::string& functionName, const std::string& text) {
