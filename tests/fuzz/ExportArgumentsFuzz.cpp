@@ -71,7 +71,7 @@ private:
     void checkMessages(const Messages& expected) const;
 
     Pieces pieces;
-    std::string shape;  ///< a character for each parameter, "s" where it is not as it should be; "f": the runner fails
+    std::string shape;  ///< how each parameter departs from one string, if it does; "f" in it: the runner fails
     std::string dn;
     std::string action;
     Given password;

@@ -11,7 +11,7 @@
 #include "ExportParameters.h"
 #include "FakeResolver.h"
 #include "FakeRunner.h"
-#include "LogToNowhere.h"
+#include "LoggingWrapper.h"
 #include "MemoryFile.h"
 #include "RegisteredComponent.h"
 #include "Require.h"
@@ -66,7 +66,8 @@ struct State {
     };
 
     bool isStarted = false;
-    bool holdsLists = false;  ///< of a catalogue that no stop has followed
+    bool hasTransactions = false;  ///< the last start has got the transaction service
+    bool holdsLists = false;       ///< of a catalogue that no stop has followed
     std::vector<Record> catalogue;
     std::map<void*, Iterator> iterators;
     std::map<unsigned long, std::vector<std::pair<const char*, std::string>>> texts;  ///< handed out
@@ -196,12 +197,14 @@ void Sequence::start() {
     requireEqual(component.start(), TevReturnOk, "the code of start");
     expectCatalogue(host().models.size());
     state.isStarted = true;
+    state.hasTransactions = true;
 }
 
 void Sequence::failStart() {
     const std::size_t step = choice(8);
     const std::size_t which = choice(3);
     release();
+    state.hasTransactions = step > 0;
     const std::size_t count = host().models.size();
     const bool isTold = which < count;
     const auto nth = static_cast<unsigned int>(which + 1);
@@ -237,11 +240,13 @@ void Sequence::registerAgain() {
 }
 
 void Sequence::join(unsigned long txHandle, TevReturnT failure) {
-    if (state.isStarted && failure != TevReturnOk) {
+    const bool isTold = state.isStarted && state.hasTransactions;
+    if (isTold && failure != TevReturnOk) {
         host().failCall("registerParticipant", failure);
     }
-    requireEqual(component.resource().join(txHandle), orNotStarted(failure), "the code of join");
-    const bool isJoined = state.isStarted && failure == TevReturnOk;
+    requireEqual(component.resource().join(txHandle), orNotStarted(isTold ? failure : TevReturnFailure),
+                 "the code of join");
+    const bool isJoined = isTold && failure == TevReturnOk;
     require(!isJoined || host().participants(txHandle).size() == 1, "a transaction has the component once");
 }
 
