@@ -89,6 +89,7 @@ void addExport(CLI::App& app, Settings& settings) {
         added->add_flag("--all", settings.isEveryModel, "Every model, into the folder that the URI names");
     added->add_option("--jobs", settings.jobs, "How many models at a time; the default is 4")
         ->type_name("N")
+        ->check(notEmpty)
         ->check(CLI::Range(1, 64).description(""))
         ->needs(all);
     CLI::Option* const fromInput = added->add_flag("--password-stdin", settings.isPasswordFromInput,
@@ -106,7 +107,8 @@ void addCommands(CLI::App& app, Settings& settings) {
     CLI::App* const get = addCommand(app, settings, "get", Settings::Command::Get, "One instance");
     get->add_option("DN|SCHEMA-ID", settings.target, "The DN of any object, or a schema id")->required();
     get->add_option("ATTRIBUTE", settings.attributes,
-                    "What to show; all attributes when absent, which goes for Schema instances only");
+                    "What to show; all attributes when absent, which goes for Schema instances only")
+        ->check(notEmpty);
     addExport(app, settings);
     CLI::App* const check =
         addCommand(app, settings, "check", Settings::Command::Check, "Tries a component against its contract");
@@ -171,6 +173,12 @@ bool needsModels(const Settings& settings) {
     return settings.command != Settings::Command::Check && !isOther;
 }
 
+/// Whether the URI has no path but "/", if any. One without an authority is for the component to judge.
+bool namesNothing(const std::string& uri) {
+    const std::size_t authority = uri.find("://");
+    return authority != std::string::npos && uri.find('/', authority + 3) >= uri.size() - 1;
+}
+
 /// With --all the one argument is the URI, of a folder.
 void arrangeExport(Settings& settings) {
     if (settings.isEveryModel) {
@@ -185,6 +193,9 @@ void arrangeExport(Settings& settings) {
     // The path would end there, unseen.
     if (settings.uri.find_first_of("?#") != std::string::npos) {
         refuse("the URI has a query or a fragment; write %3F for ? and %23 for #");
+    }
+    if (namesNothing(settings.uri)) {
+        refuse("the URI names neither a file nor a folder on the server, as sftp://USER@HOST/FOLDER/ does");
     }
     if (settings.isEveryModel && settings.uri.back() != '/') {
         settings.uri += '/';

@@ -20,6 +20,8 @@ namespace TevAgent {
 
 namespace {
 
+constexpr const char* versionAttribute = "version";
+
 /// The library of the component that this agent is made for: beside the program, else the installed one.
 std::string usualLibrary() {
     const std::string name = "libtev_schema_populator.so";
@@ -43,23 +45,51 @@ void initialize(Agent& agent, const std::vector<std::string>& libraries) {
 /// Which version of its model an instance shows, as a sentence names it.
 std::string versionOf(const Instance& instance) {
     for (const Instance::Attribute& attribute : instance.attributes) {
-        if (attribute.name == "version" && !attribute.values.empty() && !attribute.values.front().empty()) {
+        if (attribute.name == versionAttribute && !attribute.values.empty() && !attribute.values.front().empty()) {
             return attribute.values.front();
         }
     }
     return "the one without a version";
 }
 
-/// Says which models have several versions, and which one is shown, where the instance could be read.
-void sayRepeated(const std::set<std::string>& repeated, const std::map<std::string, std::string>& versions) {
+/// What a component lists, where a model with several versions stands that often.
+struct Listing {
+    explicit Listing(const std::vector<std::string>& keys) {
+        std::set<std::string> seen;
+        for (const std::string& key : keys) {
+            if (seen.insert(key).second) {
+                ids.push_back(key);
+            } else {
+                repeated.emplace(key, "");
+            }
+        }
+    }
+
+    std::vector<std::string> ids;                 ///< each once
+    std::map<std::string, std::string> repeated;  ///< ids that stood there several times, for the version that counts
+};
+
+/// Says which models have several versions, and which one is shown or chosen, as `verb` has it, where it is known.
+void sayRepeated(const std::map<std::string, std::string>& repeated, const std::string& verb) {
     std::string models;
-    for (const std::string& key : repeated) {
-        const std::string& version = versions.at(key);
-        models += (models.empty() ? "" : ", ") + key + (version.empty() ? "" : " (shown: " + version + ")");
+    for (const auto& [key, version] : repeated) {
+        models += (models.empty() ? "" : ", ") + key + (version.empty() ? "" : " (" + verb + ": " + version + ")");
     }
     if (!models.empty()) {
         Diagnostics::say("there are several versions of " + models);
     }
+}
+
+/// Says which versions are exported of the models with several, `repeated`, whose instances stand under `parentDn`.
+void sayChosen(const ObjectReader& reader, const std::string& parentDn, std::map<std::string, std::string> repeated) {
+    for (auto& [key, version] : repeated) {
+        try {
+            version = versionOf(reader.read(parentDn + "," + SchemaClass::name + "=" + key, {versionAttribute}));
+        } catch (const Failure&) {
+            // What hinders the reading need not hinder the export.
+        }
+    }
+    sayRepeated(repeated, "chosen");
 }
 
 Password passwordFrom(const Settings& settings) {
@@ -87,24 +117,21 @@ ExitStatus Commands::run() {
         case Settings::Command::Get:
             return get(agent);
         default:
-            return exportModels(agent);
+            return settings.isEveryModel ? exportEvery(agent) : exportOne(agent);
     }
 }
 
 ExitStatus Commands::list(Agent& agent) {
     ExitStatus status = ExitStatus::Done;
     std::vector<Instance> instances;
-    std::map<std::string, std::string> versions;  // shown, by schema id
-    std::set<std::string> repeated;
     Operation operation(agent);
-    for (const std::string& key : operation.reader().keys(agent.schemaParent(), SchemaClass::name)) {
-        if (!versions.emplace(key, "").second) {
-            repeated.insert(key);
-            continue;
-        }
+    Listing listing(operation.reader().keys(agent.schemaParent(), SchemaClass::name));
+    for (const std::string& key : listing.ids) {
         try {
             instances.push_back(operation.reader().read(agent.schemaDn(key), SchemaClass::attributes()));
-            versions[key] = versionOf(instances.back());
+            if (listing.repeated.count(key) != 0) {
+                listing.repeated[key] = versionOf(instances.back());
+            }
         } catch (const Failure& e) {
             // One instance that cannot be read does not hide the others.
             Diagnostics::say(e.what());
@@ -112,7 +139,7 @@ ExitStatus Commands::list(Agent& agent) {
         }
     }
     operation.commit();
-    sayRepeated(repeated, versions);
+    sayRepeated(listing.repeated, "shown");
     write(SchemaClass::attributes(), instances);
     return status;
 }
@@ -128,53 +155,83 @@ ExitStatus Commands::get(Agent& agent) {
     return ExitStatus::Done;
 }
 
-ExitStatus Commands::exportModels(Agent& agent) {
-    const std::vector<ExportRun::Export> wanted = wantedExports(agent);
+ExitStatus Commands::exportOne(Agent& agent) {
+    const ExportRun::Export wanted = namedExport(agent);
     const Password password = passwordFrom(settings);
+    const auto tell = [](const ExportResult&) {};
+    const ExportResult result = ExportRun(agent, settings.uri, password).run({wanted}, 1, tell).front();
+    if (!result.isExported) {
+        Diagnostics::say("cannot export " + result.model + ": " + result.message);
+        return Interruption::isRequested() ? ExitStatus::Interrupted : ExitStatus::OperationFailed;
+    }
+    if (!result.message.empty()) {
+        Diagnostics::say(result.message);
+    }
+    return ExitStatus::Done;
+}
+
+ExportRun::Export Commands::namedExport(Agent& agent) const {
+    const std::string dn = settings.hasDn() ? settings.target : agent.schemaDn(settings.target);
+    const std::string routedClass = agent.router().routedClassOf(dn);
+    const bool isSchema = SchemaClass::isClassOf(dn);
+    if (!isSchema && (routedClass.empty() || routedClass == SchemaClass::name)) {
+        throw Failure(ExitStatus::OperationFailed, dn + " is no Schema instance, and has no file to export");
+    }
+    if (!isSchema) {
+        return {dn, dn, std::nullopt};
+    }
+    const std::string parentDn = dn.substr(0, dn.rfind(','));
+    const std::string id = dn.substr(dn.rfind('=') + 1);
+    Operation operation(agent);
+    // Nobody is asked for a password in vain.
+    operation.reader().read(dn, {SchemaClass::attributes().front()});
+    if (Listing(operation.reader().keys(parentDn, SchemaClass::name)).repeated.count(id) != 0) {
+        sayChosen(operation.reader(), parentDn, {{id, ""}});
+    }
+    operation.commit();
+    return {settings.target, dn, agent.modelSize(id)};
+}
+
+ExitStatus Commands::exportEvery(Agent& agent) {
+    const std::vector<ExportRun::Export> wanted = everyExport(agent);
     const bool isTable = settings.output == Settings::Output::Table;
+    if (wanted.empty()) {
+        Diagnostics::say("there is no model to export");
+        output.write(isTable ? "" : JsonText::of(std::vector<ExportResult>()));
+        return ExitStatus::Done;
+    }
+    const Password password = passwordFrom(settings);
+    std::optional<Failure> lost;
     const auto tell = [&](const ExportResult& result) {
-        if (settings.isEveryModel) {
-            output.write(isTable ? TableText::of(result) : "");
-        } else if (result.isExported && !result.message.empty()) {
-            Diagnostics::say(result.message);
+        try {
+            output.write(isTable && !lost ? TableText::of(result) : "");
+        } catch (const Failure& e) {
+            // The exports go on: that nobody reads of them is no reason to leave some undone.
+            lost = e;
         }
     };
     const std::vector<ExportResult> results = ExportRun(agent, settings.uri, password).run(wanted, settings.jobs, tell);
+    if (lost) {
+        throw Failure(*lost);
+    }
+    output.write(isTable ? "" : JsonText::of(results));
     const auto isExported = [](const ExportResult& result) { return result.isExported; };
-    const bool isDone = results.size() == wanted.size() && std::all_of(results.begin(), results.end(), isExported);
-    if (settings.isEveryModel) {
-        output.write(isTable ? "" : JsonText::of(results));
+    if (std::all_of(results.begin(), results.end(), isExported)) {
+        return ExitStatus::Done;
     }
-    if (!isDone && !settings.isEveryModel && !results.empty()) {
-        Diagnostics::say("cannot export " + results.front().model + ": " + results.front().message);
-    }
-    if (!isDone) {
-        Interruption::check();
-    }
-    return isDone ? ExitStatus::Done : ExitStatus::OperationFailed;
+    Interruption::check();
+    return ExitStatus::OperationFailed;
 }
 
-std::vector<ExportRun::Export> Commands::wantedExports(Agent& agent) const {
-    std::vector<ExportRun::Export> wanted;
+std::vector<ExportRun::Export> Commands::everyExport(Agent& agent) {
     Operation operation(agent);
-    if (settings.isEveryModel) {
-        std::set<std::string> seen;
-        for (const std::string& key : operation.reader().keys(agent.schemaParent(), SchemaClass::name)) {
-            if (seen.insert(key).second) {
-                wanted.push_back({key, agent.schemaDn(key), agent.modelSize(key)});
-            }
-        }
-    } else {
-        const std::string dn = settings.hasDn() ? settings.target : agent.schemaDn(settings.target);
-        const bool isSchema = SchemaClass::isClassOf(dn);
-        const std::string id = dn.substr(dn.rfind('=') + 1);
-        if (isSchema) {
-            // Nobody is asked for a password in vain.
-            operation.reader().read(dn, {SchemaClass::attributes().front()});
-        }
-        wanted.push_back({settings.target, dn, isSchema ? agent.modelSize(id) : std::nullopt});
-    }
+    const Listing listing(operation.reader().keys(agent.schemaParent(), SchemaClass::name));
+    sayChosen(operation.reader(), agent.schemaParent(), listing.repeated);
     operation.commit();
+    std::vector<ExportRun::Export> wanted;
+    for (const std::string& id : listing.ids) {
+        wanted.push_back({id, agent.schemaDn(id), agent.modelSize(id)});
+    }
     return wanted;
 }
 

@@ -26,8 +26,10 @@ public:
 private:
     ExitStatus list(Agent& agent);
     ExitStatus get(Agent& agent);
-    ExitStatus exportModels(Agent& agent);
-    std::vector<ExportRun::Export> wantedExports(Agent& agent) const;
+    ExitStatus exportOne(Agent& agent);
+    ExportRun::Export namedExport(Agent& agent) const;
+    ExitStatus exportEvery(Agent& agent);
+    static std::vector<ExportRun::Export> everyExport(Agent& agent);
     ExitStatus check(Agent& agent);
     void write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances);
 

@@ -83,7 +83,7 @@ private:
         const ExportRun::Export& only = exports.front();
         std::string line = only.model + (only.size ? ", " + sizeText(*only.size) : "") + ": " + seconds();
         if (timeout.count() > 0) {
-            line += " of " + std::to_string(std::chrono::duration_cast<std::chrono::seconds>(timeout).count()) + " s";
+            line += " of " + std::to_string(std::chrono::ceil<std::chrono::seconds>(timeout).count()) + " s";
         }
         return line;
     }
@@ -103,6 +103,17 @@ private:
     std::size_t failed = 0;
 };
 
+/// Begins `work` for the export at `place` in a thread of its own; false when the system has none to give just now.
+template <class Work>
+bool tryToBegin(std::map<std::size_t, std::future<void>>& threads, std::size_t place, const Work& work) {
+    try {
+        threads.emplace(place, std::async(std::launch::async, work, place));
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
 }  // namespace
 
 ExportRun::ExportRun(Agent& hostAgent, std::string destinationUri, const Password& userPassword)
@@ -111,32 +122,37 @@ ExportRun::ExportRun(Agent& hostAgent, std::string destinationUri, const Passwor
 std::vector<ExportResult> ExportRun::run(const std::vector<Export>& exports, std::size_t jobs,
                                          const std::function<void(const ExportResult&)>& tell) {
     Finished finished;
-    Finished::Results results;
+    std::vector<ExportResult> results(exports.size());
     Progress progress(exports, agent.transferTimeout());
     LiveLine line;
     std::map<std::size_t, std::future<void>> threads;  // ended by the time they are taken out
     std::size_t next = 0;
     const auto isMore = [&] { return next < exports.size() && !Interruption::isRequested(); };
+    const auto work = [&](std::size_t place) { finished.add(place, carryOut(exports[place])); };
+    const auto end = [&](std::size_t place, ExportResult result) {
+        line.clear();
+        tell(result);
+        results[place] = std::move(result);
+    };
     while (!threads.empty() || isMore()) {
         line.show(progress.text());
-        for (; threads.size() < jobs && isMore(); ++next) {
-            threads[next] = std::async(std::launch::async, [this, &finished, &exports, place = next] {
-                finished.add(place, carryOut(exports[place]));
-            });
+        while (threads.size() < jobs && isMore() && tryToBegin(threads, next, work)) {
+            ++next;
+        }
+        if (threads.empty() && isMore()) {
+            // There is no thread to be had, and none whose end would change that.
+            work(next++);
         }
         for (auto& [place, result] : finished.take()) {
             threads.erase(place);
             progress.count(result);
-            line.clear();
-            tell(result);
-            results.emplace(place, result);
+            end(place, std::move(result));
         }
     }
-    std::vector<ExportResult> inOrder;
-    for (auto& [place, result] : results) {
-        inOrder.push_back(std::move(result));
+    for (; next < exports.size(); ++next) {
+        end(next, {exports[next].model, false, "not begun"});
     }
-    return inOrder;
+    return results;
 }
 
 ExportResult ExportRun::carryOut(const Export& wanted) const noexcept {

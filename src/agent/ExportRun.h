@@ -28,8 +28,9 @@ public:
     ExportRun(Agent& hostAgent, std::string destinationUri, const Password& userPassword);
 
     /// Carries the exports out, up to `jobs` at a time, and tells each result as soon as it is there, from the calling
-    /// thread. After an interruption no further one is begun. Returns the results in the order of `exports`, without
-    /// those that were not begun.
+    /// thread. Where the system gives fewer threads they are fewer at a time. After an interruption no further one is
+    /// begun; their results, with the message "not begun", are told last. Returns the results in the order of
+    /// `exports`.
     std::vector<ExportResult> run(const std::vector<Export>& exports, std::size_t jobs,
                                   const std::function<void(const ExportResult&)>& tell);
 

@@ -16,7 +16,7 @@ namespace {
 std::atomic<bool> isNoted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "the signal handler may set it");
 
-constexpr std::array<int, 2> watched = {SIGINT, SIGTERM};
+constexpr std::array<int, 3> watched = {SIGINT, SIGTERM, SIGHUP};
 constexpr int pollSlice = 200;  // milliseconds
 
 void note(int) {
@@ -24,7 +24,8 @@ void note(int) {
     for (const int signal : watched) {
         struct sigaction action {};
         sigaction(signal, nullptr, &action);
-        if (action.sa_handler == note) {
+        // A hang-up comes twice: from the shell, and from the terminal when the shell has ended.
+        if (action.sa_handler == note && signal != SIGHUP) {
             std::signal(signal, SIG_DFL);
         }
     }

@@ -15,9 +15,9 @@ public:
 /// The operator's wish to end a command early. Process-wide.
 class Interruption {
 public:
-    /// From now on the first SIGINT or SIGTERM is only noted, and ends the transfers that are under way, so that the
-    /// command can end in good order; a second one ends the process at once. Nothing changes for a signal that is
-    /// ignored. To be called before other threads are there.
+    /// From now on the first SIGINT, SIGTERM or SIGHUP is only noted, and ends the transfers that are under way, so
+    /// that the command can end in good order; a second one ends the process at once. Nothing changes for a signal that
+    /// is ignored, as nohup has it. To be called before other threads are there.
     static void watch();
 
     /// Whether a signal was noted. Any thread.

@@ -11,18 +11,14 @@ namespace TevAgent {
 
 namespace {
 
-constexpr std::size_t usualWidth = 80;  // characters
+constexpr std::size_t usualWidth = 80;  // columns
 
 /// `text` without what goes beyond the terminal's last column but one: at the last one some begin a new line.
 std::string fitted(const std::string& text) {
     winsize size{};
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     const std::size_t width = (isKnown ? size.ws_col : usualWidth) - 1;
-    std::string line = Text::escaped(Utf8::repaired(text));
-    while (Utf8::length(line) > width) {
-        line.pop_back();
-    }
-    return line;
+    return std::string(Utf8::fitted(Text::escaped(Utf8::repaired(text)), width));
 }
 
 }  // namespace

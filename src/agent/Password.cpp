@@ -35,7 +35,8 @@ public:
     const int descriptor;  ///< -1 when it could not be opened
 };
 
-/// Keeps what is typed from being shown.
+/// Keeps what is typed from being shown, and the keys that stop or end a program from doing so: a shell turns the echo
+/// on when a program has stopped, and nobody does when it has ended. The interrupt key ends the asking in good order.
 class NoEcho {
 public:
     explicit NoEcho(int terminalDescriptor) : terminal(terminalDescriptor) {
@@ -43,6 +44,8 @@ public:
         termios silent = before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         silent.c_lflag |= ECHONL;
+        silent.c_cc[VSUSP] = _POSIX_VDISABLE;
+        silent.c_cc[VQUIT] = _POSIX_VDISABLE;
         tcsetattr(terminal, TCSAFLUSH, &silent);
     }
     ~NoEcho() { tcsetattr(terminal, TCSAFLUSH, &before); }
@@ -63,7 +66,12 @@ Password Password::ask() {
     }
     const NoEcho noEcho(terminal.descriptor);
     Descriptor::write(terminal.descriptor, "Password: ");
-    return Password(terminal.descriptor, "the terminal");
+    try {
+        return Password(terminal.descriptor, "the terminal");
+    } catch (const Interrupted&) {
+        Descriptor::write(terminal.descriptor, "\n");
+        throw;
+    }
 }
 
 Password Password::fromInput() {
@@ -71,7 +79,8 @@ Password Password::fromInput() {
 }
 
 Password Password::fromFile(const std::string& file) {
-    const OpenFile opened(file.c_str(), O_RDONLY);
+    // A named pipe is not waited for here, where an interrupt might come too early, but before the reading.
+    const OpenFile opened(file.c_str(), O_RDONLY | O_NONBLOCK);
     if (opened.descriptor == -1) {
         throw Failure(ExitStatus::NotStarted, "the file of --password-file, " + file +
                                                   ", cannot be used: " + std::generic_category().message(errno));

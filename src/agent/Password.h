@@ -12,14 +12,15 @@ class Password {
 public:
     static constexpr std::size_t maxBytes = 1023;  ///< no SSH client takes more
 
-    /// Asks the operator on the controlling terminal, without echo. Throws `Failure` (wrong usage) when there is no
-    /// terminal.
+    /// Asks the operator on the controlling terminal, without echo; of the keys that send signals only the interrupt
+    /// key does then, the others are part of the password. Throws `Failure` (wrong usage) when there is no terminal.
     static Password ask();
 
     /// Reads the first line of standard input.
     static Password fromInput();
 
-    /// Reads the first line of a file. Throws `Failure` (not started) when it cannot be read.
+    /// Reads the first line of a file; of a named pipe, once somebody writes it. Throws `Failure` (not started) when it
+    /// cannot be read.
     static Password fromFile(const std::string& file);
 
     ~Password();

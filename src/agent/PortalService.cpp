@@ -79,13 +79,13 @@ TevReturnT PortalService::registerComponent(DalMgmtSpiComponent_2* table) {
         return TevReturnInvalidArgument;
     }
     const auto component = std::make_shared<Component>(*table);
-    for (const std::shared_ptr<Component>& other : registered()) {
+    const Tev::AnnotatedLock lock(mutex);
+    for (const std::shared_ptr<Component>& other : components) {
         if (other->name() == component->name()) {
             Diagnostics::say("component " + component->name() + " is registered already");
             return TevReturnFailure;
         }
     }
-    const Tev::AnnotatedLock lock(mutex);
     components.push_back(component);
     return TevReturnOk;
 }

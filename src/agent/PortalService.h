@@ -16,7 +16,7 @@ namespace TevAgent {
 /// The meeting place of components and the agent's services: what is offered, who is registered, who was told to start.
 ///
 /// Tables are borrowed: those offered by the agent for as long as the portal lives, those of a component until it
-/// unregisters. Looking up is safe from any thread; the rest is called by one thread at a time.
+/// unregisters. Looking up and registering are safe from any thread; the rest is called by one thread at a time.
 class PortalService : public OnlyOne<PortalService> {
 public:
     static constexpr const char* componentName = "DalPortalService";

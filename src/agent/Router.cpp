@@ -183,6 +183,11 @@ TevReturnT Router::action(unsigned long txHandle, const char* dn, const char* ac
     return clearedUnlessOk(code, *result);
 }
 
+std::string Router::routedClassOf(const std::string& dn) const {
+    const Route* const route = routeTable.ofDn(dn);
+    return route == nullptr ? "" : route->className;
+}
+
 std::string Router::ownerOf(const std::string& dn) const {
     return nameOf(routeTable.ofDn(dn));
 }

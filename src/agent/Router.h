@@ -48,6 +48,9 @@ public:
     TevReturnT action(unsigned long txHandle, const char* dn, const char* actionName,
                       DalMoAttributeValueContainer** parameters, DalMoAttributeValueContainer** result);
 
+    /// The class by whose route the object `dn` belongs to a component; empty for one of the store.
+    std::string routedClassOf(const std::string& dn) const;
+
     /// Who answers for the object `dn`, as a sentence names it: "component <name>", or "the object store".
     std::string ownerOf(const std::string& dn) const;
 

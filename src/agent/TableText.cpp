@@ -34,7 +34,7 @@ std::vector<std::size_t> widthsOf(const std::vector<Row>& rows) {
     std::vector<std::size_t> widths(rows.front().size());
     for (const Row& row : rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], Utf8::length(row[column]));
+            widths[column] = std::max(widths[column], Utf8::columns(row[column]));
         }
     }
     return widths;
@@ -48,7 +48,7 @@ std::string lineOf(const Row& row, const std::vector<std::size_t>& widths) {
         // Blanks are added in front of what follows them, so that no line ends in any.
         if (!row[column].empty()) {
             line.append(wanted - length, ' ').append(row[column]);
-            length = wanted + Utf8::length(row[column]);
+            length = wanted + Utf8::columns(row[column]);
         }
         wanted += widths[column] + gap;
     }

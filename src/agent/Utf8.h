@@ -13,8 +13,12 @@ public:
     /// `text` with U+FFFD in place of each byte that is not part of a well-formed character.
     static std::string repaired(std::string_view text);
 
-    /// How many characters well-formed `text` has: its width on a terminal, as far as tables go.
-    static std::size_t length(std::string_view text);
+    /// How many columns a terminal shows well-formed `text` without control characters in: two for a character of
+    /// double width, none for one that joins the character before it.
+    static std::size_t columns(std::string_view text);
+
+    /// The longest part that such a `text` begins with and that fits into so many columns. No character is cut in two.
+    static std::string_view fitted(std::string_view text, std::size_t columns);
 };
 
 }  // namespace TevAgent

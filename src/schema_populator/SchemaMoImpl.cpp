@@ -206,10 +206,6 @@ TevReturnT SchemaMoImpl::getMoAttribute(unsigned long txHandle, const char* dn, 
 
 TevReturnT SchemaMoImpl::action(unsigned long txHandle, const char* dn, const char* actionName,
                                 DalMoAttributeValueContainer** params, DalMoAttributeValueContainer** result) {
-    if (result == nullptr) {
-        SCHEMA_LOG(LogError, "Invalid input arguments");
-        return TevReturnInvalidArgument;
-    }
     const TevReturnT code = validateActionArguments(dn, actionName, params);
     if (code != TevReturnOk) {
         return code;
@@ -240,6 +236,10 @@ TevReturnT SchemaMoImpl::exportFile(unsigned long txHandle, const std::string& f
     TevReturnT code = processActionParameters(params, user, password, host, port, path);
     if (code != TevReturnOk) {
         return code;
+    }
+    if (result == nullptr) {
+        SCHEMA_LOG_AS("action", LogError, "Invalid input arguments");
+        return TevReturnInvalidArgument;
     }
     const unsigned char dscp = getOamBulkDscpValue(txHandle);
     std::string ciphers;
@@ -371,13 +371,15 @@ bool SchemaMoImpl::isDebugModeSet() const {
 }
 
 TevReturnT SchemaMoImpl::setVoidActionResult(unsigned long txHandle, DalMoAttributeValueContainer** result) {
-    *result = static_cast<DalMoAttributeValueContainer*>(std::malloc(sizeof **result));
-    if (*result == nullptr) {
+    auto* const container = static_cast<DalMoAttributeValueContainer*>(std::malloc(sizeof **result));
+    if (container == nullptr) {
+        *result = nullptr;
         SCHEMA_LOG(LogError, "Can not allocate memory for attributeValueContainer");
         return TevReturnNoMemory;
     }
-    transactionContextManager.addMemory(txHandle, *result);
-    **result = {DalMoTypeVoid, 0, nullptr};
+    transactionContextManager.addMemory(txHandle, container);
+    *container = {DalMoTypeVoid, 0, nullptr};
+    *result = container;
     return TevReturnOk;
 }
 

@@ -44,10 +44,11 @@ public:
     /// password of the second, while the caller waits, and tells the operator how it went. On success `*result` is a
     /// value of type void.
     ///
-    /// Returns 0; -8 for a DN, name or parameters that do not fit, or a null `result`; -2 when there is no such
-    /// instance; -1 when its file is gone or the URI is not understood; the code of a failed transfer; -10 when memory
-    /// for the result runs out, the file having been sent. `*result` is left as it is unless 0 or -10. What is thrown
-    /// by the transfer or the reading of other managed objects comes out.
+    /// Returns 0; -8 for a DN, name or parameters that do not fit; -2 when there is no such instance; -1 when its file
+    /// is gone or the URI is not understood; -8 for a null `result`, before anything is sent; the code of a failed
+    /// transfer; -10 when memory for the result runs out, the file having been sent. `*result` is left as it is unless
+    /// 0 or -10. What is thrown by the transfer, the thread context or the reading of other managed objects comes out,
+    /// and so does std::bad_alloc.
     TevReturnT action(unsigned long txHandle, const char* dn, const char* actionName,
                       DalMoAttributeValueContainer** params, DalMoAttributeValueContainer** result);
 

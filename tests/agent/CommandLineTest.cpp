@@ -145,8 +145,8 @@ TEST(CommandLineTest, exportTakesAModelAndWhereItGoes) {
     EXPECT_FALSE(settings.isEveryModel);
     EXPECT_FALSE(settings.isPasswordFromInput);
     EXPECT_EQ(settings.passwordFile, "");
-    EXPECT_TRUE(parse({"--models", "m", "export", "x", "sftp://h/", "--password-stdin"}).isPasswordFromInput);
-    EXPECT_EQ(parse({"--models", "m", "export", "--password-file", "f", "x", "sftp://h/"}).passwordFile, "f");
+    EXPECT_TRUE(parse({"--models", "m", "export", "x", "sftp://h/p", "--password-stdin"}).isPasswordFromInput);
+    EXPECT_EQ(parse({"--models", "m", "export", "--password-file", "f", "x", "sftp://h/p"}).passwordFile, "f");
 }
 
 TEST(CommandLineTest, exportOfEveryModelTakesAFolder) {
@@ -156,27 +156,28 @@ TEST(CommandLineTest, exportOfEveryModelTakesAFolder) {
     EXPECT_EQ(settings.uri, "sftp://h/p/");
     EXPECT_EQ(settings.jobs, 3U);
     EXPECT_EQ(parse({"--models", "m", "export", "sftp://h/p/", "--all"}).uri, "sftp://h/p/");
-    EXPECT_EQ(parse({"--models", "m", "export", "sftp://h", "--all"}).uri, "sftp://h/");
-    EXPECT_EQ(parse({"--models", "m", "export", "sftp://h", "--all"}).jobs, 4U);
+    EXPECT_EQ(parse({"--models", "m", "export", "sftp://h/p", "--all"}).jobs, 4U);
 }
 
 TEST(CommandLineTest, refusesAnExportThatIsIncompleteOrTooMuch) {
     EXPECT_THAT(refusal({"--models", "m", "export"}), StartsWith("DN|SCHEMA-ID is required ("));
     EXPECT_THAT(refusal({"--models", "m", "export", "x"}), StartsWith("SFTP-URI is required ("));
     EXPECT_THAT(refusal({"--models", "m", "export", "--all"}), StartsWith("SFTP-URI is required ("));
-    EXPECT_THAT(refusal({"--models", "m", "export", "--all", "x", "sftp://h/"}),
+    EXPECT_THAT(refusal({"--models", "m", "export", "--all", "x", "sftp://h/p"}),
                 StartsWith("with --all no model is named, so x is one too many ("));
-    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/", "--jobs", "2"}),
+    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/p", "--jobs", "2"}),
                 HasSubstr("--jobs requires --all"));
     for (const char* jobs : {"0", "65", "-1", "x", "1.5"}) {
-        EXPECT_THAT(refusal({"--models", "m", "export", "--all", "--jobs", jobs, "sftp://h/"}), HasSubstr("--jobs"))
+        EXPECT_THAT(refusal({"--models", "m", "export", "--all", "--jobs", jobs, "sftp://h/p"}), HasSubstr("--jobs"))
             << jobs;
     }
-    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/", "--password-stdin", "--password-file", "f"}),
+    EXPECT_THAT(refusal({"--models", "m", "export", "--all", "--jobs", "", "sftp://h/p"}),
+                StartsWith("--jobs: the value is empty ("));
+    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/p", "--password-stdin", "--password-file", "f"}),
                 HasSubstr("excludes"));
-    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/", "--password-file", ""}),
+    EXPECT_THAT(refusal({"--models", "m", "export", "x", "sftp://h/p", "--password-file", ""}),
                 StartsWith("--password-file: the value is empty ("));
-    EXPECT_THAT(refusal({"export", "x", "sftp://h/"}), HasSubstr("neither --node nor --models"));
+    EXPECT_THAT(refusal({"export", "x", "sftp://h/p"}), HasSubstr("neither --node nor --models"));
 }
 
 TEST(CommandLineTest, refusesAnUriWhosePathWouldEndUnseen) {
@@ -186,6 +187,18 @@ TEST(CommandLineTest, refusesAnUriWhosePathWouldEndUnseen) {
         EXPECT_THAT(refusal({"--models", "m", "export", "--all", uri}),
                     StartsWith("the URI has a query or a fragment"));
     }
+}
+
+// Each model failed of it, once the password was given.
+TEST(CommandLineTest, refusesAnUriThatNamesNothing) {
+    const std::string sentence =
+        "the URI names neither a file nor a folder on the server, as sftp://USER@HOST/FOLDER/ does (";
+    for (const char* uri : {"sftp://u@h", "sftp://u@h/", "sftp://u@h:22", "sftp://[::1]/", "sftp://"}) {
+        EXPECT_THAT(refusal({"--models", "m", "export", "x", uri}), StartsWith(sentence)) << uri;
+        EXPECT_THAT(refusal({"--models", "m", "export", "--all", uri}), StartsWith(sentence)) << uri;
+    }
+    EXPECT_EQ(parse({"--models", "m", "export", "x", "sftp://h/p"}).uri, "sftp://h/p");
+    EXPECT_EQ(parse({"--models", "m", "export", "x", "elsewhere"}).uri, "elsewhere");
 }
 
 TEST(CommandLineTest, showsHelpForTheProgramAndEachCommand) {
@@ -235,6 +248,10 @@ TEST(CommandLineTest, refusesEmptyFileNames) {
                     StartsWith(std::string(option) + ": the value is empty ("));
     }
     EXPECT_THAT(refusal({"check", ""}), StartsWith("FILE.so: the value is empty ("));
+}
+
+TEST(CommandLineTest, refusesAnEmptyAttribute) {
+    EXPECT_THAT(refusal({"--models", "m", "get", "x", "version", ""}), StartsWith("ATTRIBUTE: the value is empty ("));
 }
 
 TEST(CommandLineTest, refusesAnAttributeThatIsNamedTwice) {

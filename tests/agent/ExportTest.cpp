@@ -2,10 +2,18 @@
 
 #include <Poco/JSON/Object.h>
 #include <Poco/JSON/Parser.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <thread>
+#include <utility>
 
 #include "AgentProcess.h"
 #include "FileText.h"
@@ -43,6 +51,24 @@ protected:
         return "export " + dn + " (type 9, 1: " + uri + ") (type 9, 1: " + password + ")\n";
     }
 
+    /// Waits until the agent, which is about to wait for something, does so, or has ended.
+    static void waitUntilAsleep(AgentProcess& agent) {
+        const std::string file = "/proc/" + std::to_string(agent.id()) + "/stat";
+        while (!agent.hasEnded() && contents(file).find(") S ") == std::string::npos) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+
+    /// Waits until the agent has read what was written to its standard input, and waits for more, or has ended.
+    static void waitUntilItWantsMore(AgentProcess& agent, const Pipe& input) {
+        int unread = 1;
+        while (unread > 0 && !agent.hasEnded()) {
+            ASSERT_EQ(ioctl(input.reading(), FIONREAD, &unread), 0);
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        waitUntilAsleep(agent);
+    }
+
     TestNode node;
     const TempFolder folder;
     const std::string passwordFile = folder.write("password", "secret\nnot this\n");
@@ -58,34 +84,48 @@ TEST_F(ExportTest, callsTheActionWithTheUriAndThePassword) {
 
 TEST_F(ExportTest, takesADnAsItIs) {
     const std::string dn = "ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two";
-    EXPECT_EQ(run("exports_as_told", {"ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two", "sftp://h/"}).err,
-              called(dn, "sftp://h/", "secret") + success);
+    EXPECT_EQ(run("exports_as_told", {"ManagedElement=9,SystemFunctions=1,SysM=1,Schema=two", "sftp://h/p"}).err,
+              called(dn, "sftp://h/p", "secret") + success);
 }
 
 TEST_F(ExportTest, saysNothingWhenTheComponentDoesNot) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://quiet/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://quiet/p"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://quiet/", "secret"));
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://quiet/p", "secret"));
 }
 
 TEST_F(ExportTest, aFailureNamesTheModelAndGivesTheOperatorsMessage) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://fails/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://fails/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, EndsWith("\ntev-agent: cannot export one: SFTP error: nobody is there\n"));
 }
 
 TEST_F(ExportTest, aFailureWithoutAMessageNamesTheComponentAndTheCode) {
-    EXPECT_THAT(run("exports_as_told", {"one", "sftp://silent/"}).err,
+    EXPECT_THAT(run("exports_as_told", {"one", "sftp://silent/p"}).err,
                 EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService returned -13\n"));
-    const std::string dn = "ManagedElement=1,Transport=1";
-    const AgentOutcome outcome = run("exports_as_told", {dn, "sftp://h/"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "tev-agent: cannot export " + dn + ": the object store returned -1 (failure)\n");
+}
+
+TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAnObjectThatHasNoFile) {
+    for (const std::string& dn : {std::string("ManagedElement=1,Transport=1"), std::string("ManagedElement=2"),
+                                  TestNode::schemaDn("one") + ",Part=1"}) {
+        const AgentOutcome outcome = AgentProcess::run(arguments("exports_as_told", {dn, "sftp://h/p"}));
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, "tev-agent: " + dn + " is no Schema instance, and has no file to export\n");
+    }
+}
+
+TEST_F(ExportTest, passesADnOfAnotherClassOnToTheComponentThatOwnsIt) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    const std::string dn = "ManagedElement=1,Licence=5";
+    EXPECT_EQ(run("exports_as_told", {dn, "sftp://h/p"}).err, called(dn, "sftp://h/p", "secret") + success);
 }
 
 TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://throws/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://throws/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.err,
                 EndsWith("\ntev-agent: cannot export one: component TevSchemaMoService threw in action: an "
@@ -93,7 +133,7 @@ TEST_F(ExportTest, anExceptionOfTheActionIsItsFailure) {
 }
 
 TEST_F(ExportTest, aTransactionThatFailsIsAFailure) {
-    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://unwanted/"});
+    const AgentOutcome outcome = run("exports_as_told", {"one", "sftp://unwanted/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(
         outcome.err,
@@ -105,26 +145,26 @@ TEST_F(ExportTest, readsThePasswordFromStandardInput) {
     Pipe pipe(0);
     AgentProcess::Setting setting;
     setting.in = pipe.reading();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"}), setting);
     ASSERT_EQ(write(pipe.writing(), "pass word\nmore", 14), 14);
     // The end of the line is enough.
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "pass word") + success);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "pass word") + success);
 }
 
 TEST_F(ExportTest, needsAPassword) {
     const AgentOutcome empty =
-        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-stdin"}));
+        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"}));
     EXPECT_EQ(empty.status, 2);
     EXPECT_EQ(empty.err, "tev-agent: standard input gives no password\n");
-    const AgentOutcome none = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/"}));
+    const AgentOutcome none = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p"}));
     EXPECT_EQ(none.status, 2);
     EXPECT_EQ(none.err,
               "tev-agent: there is no terminal to ask for the password on; give it with --password-stdin or "
               "--password-file\n");
     const AgentOutcome noFile =
-        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", "/nowhere"}));
+        AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", "/nowhere"}));
     EXPECT_EQ(noFile.status, 3);
     EXPECT_EQ(noFile.err,
               "tev-agent: the file of --password-file, /nowhere, cannot be used: No such file or directory\n");
@@ -134,29 +174,30 @@ TEST_F(ExportTest, asksForThePasswordOnTheTerminalWithoutEcho) {
     Terminal terminal;
     AgentProcess::Setting setting;
     setting.terminal = terminal.path();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
     EXPECT_FALSE(terminal.hasEcho());
     terminal.type("typed\n");
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/", "typed") + success);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "typed") + success);
     EXPECT_EQ(terminal.shown(), "Password: \r\n");
     EXPECT_TRUE(terminal.hasEcho());
 }
 
 TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoBack) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Terminal terminal;
         AgentProcess::Setting setting;
         setting.terminal = terminal.path();
-        AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+        AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
         terminal.waitFor("Password: ");
         terminal.type("half");
         agent.send(signal);
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
         EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+        EXPECT_EQ(terminal.shown(), "Password: \r\n") << "what follows has a line of its own";
         EXPECT_TRUE(terminal.hasEcho());
     }
 }
@@ -165,18 +206,80 @@ TEST_F(ExportTest, anInterruptTypedOnTheTerminalIsOneToo) {
     Terminal terminal;
     AgentProcess::Setting setting;
     setting.terminal = terminal.path();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
     terminal.type("\x03");
     EXPECT_EQ(agent.outcome().status, 130);
+}
+
+// A shell turns the echo on when a program has stopped, so that the rest of the password was shown; a quit left the
+// terminal without echo.
+TEST_F(ExportTest, noKeyStopsOrQuitsTheAgentWhileThePasswordIsAskedFor) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
+    terminal.waitFor("Password: ");
+    terminal.type(
+        "a\x1a"
+        "b\x1c"
+        "c\n");
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p",
+                                  "a\x1a"
+                                  "b\x1c"
+                                  "c") +
+                               success);
+    EXPECT_EQ(terminal.shown(), "Password: \r\n");
 }
 
 TEST_F(ExportTest, anInterruptEndsTheWaitForAPasswordOnStandardInput) {
     const Pipe pipe(0);
     AgentProcess::Setting setting;
     setting.in = pipe.reading();
-    AgentProcess agent(arguments("prints", {"one", "sftp://h/", "--password-stdin"}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"}), setting);
+    ASSERT_EQ(write(pipe.writing(), "half", 4), 4);
+    waitUntilItWantsMore(agent, pipe);
+    agent.send(SIGTERM);
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+}
+
+TEST_F(ExportTest, aHangUpThatIsIgnoredInterruptsNothing) {
+    const Pipe pipe(0);
+    AgentProcess::Setting setting;
+    setting.in = pipe.reading();
+    std::vector<std::string> words = arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"});
+    words.insert(words.begin(), TEV_AGENT_PROGRAM);
+    AgentProcess agent(words, setting, "/usr/bin/nohup");
+    ASSERT_EQ(write(pipe.writing(), "pass", 4), 4);
+    waitUntilItWantsMore(agent, pipe);
+    agent.send(SIGHUP);
+    ASSERT_EQ(write(pipe.writing(), "word\n", 5), 5);
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "password") + success);
+}
+
+TEST_F(ExportTest, readsThePasswordFromANamedPipeOnceItIsWritten) {
+    const std::string pipe = folder.path() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", pipe}), {});
+    std::ofstream(pipe) << "piped\n";
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p", "piped") + success);
+}
+
+// It was taken for a file that cannot be opened.
+TEST_F(ExportTest, anInterruptEndsTheWaitForANamedPipe) {
+    const std::string pipe = folder.path() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    AgentProcess agent(arguments("prints", {"one", "sftp://h/p", "--password-file", pipe}), {});
     agent.waitForError("started\n");
+    waitUntilAsleep(agent);
     agent.send(SIGTERM);
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);
@@ -184,7 +287,7 @@ TEST_F(ExportTest, anInterruptEndsTheWaitForAPasswordOnStandardInput) {
 }
 
 TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAModelThatIsNotThere) {
-    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/"});
+    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "tev-agent: there is no " + TestNode::schemaDn("Nothing") + "\n");
 }
@@ -227,7 +330,7 @@ TEST_F(ExportTest, showsOnATerminalWhatIsUnderWayAndForHowLong) {
     AgentProcess::Setting setting;
     setting.err = terminal.descriptor();
     node.writeModel("one.xml", "<mom name=\"one\">" + std::string(2000, ' ') + "</mom>");
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", passwordFile}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", passwordFile}), setting);
     EXPECT_EQ(agent.outcome().status, 0);
     EXPECT_THAT(terminal.shown(), AllOf(StartsWith("one, 2.0 kB: 0 s of 60 s"),
                                         EndsWith("\r\x1b[Ktev-agent: File transfer successful\r\n")));
@@ -238,10 +341,24 @@ TEST_F(ExportTest, showsNoMoreThanTheTerminalHasRoomFor) {
     terminal.setWidth(15);
     AgentProcess::Setting setting;
     setting.err = terminal.descriptor();
-    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/", "--password-file", passwordFile}), setting);
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p", "--password-file", passwordFile}), setting);
     EXPECT_EQ(agent.outcome().status, 0);
     EXPECT_THAT(terminal.shown(), StartsWith("one: 0 s of 60"));
     EXPECT_THAT(terminal.shown(), Not(HasSubstr("60 ")));
+}
+
+// Characters of double width went on into a line that nothing took away.
+TEST_F(ExportTest, showsNoMoreCharactersOfDoubleWidthThanTheTerminalHasRoomFor) {
+    Terminal terminal;
+    terminal.setWidth(6);
+    AgentProcess::Setting setting;
+    setting.err = terminal.descriptor();
+    const std::string wide = "\xe4\xb8\xad";
+    AgentProcess agent(
+        arguments("exports_as_told", {wide + wide + wide, "sftp://h/p", "--password-file", passwordFile}), setting);
+    EXPECT_EQ(agent.outcome().status, 0);
+    EXPECT_THAT(terminal.shown(), StartsWith(wide + wide));
+    EXPECT_THAT(terminal.shown(), Not(StartsWith(wide + wide + wide)));
 }
 
 TEST_F(ExportTest, showsABarOnATerminalForEveryModel) {
@@ -260,13 +377,70 @@ TEST_F(ExportTest, showsABarOnATerminalForEveryModel) {
     EXPECT_THAT(terminal.shown(), HasSubstr(" of 6, 1 failed, "));
 }
 
-TEST_F(ExportTest, exportsNothingOfANodeWithoutModels) {
+// A second in which nothing is left is not over.
+TEST_F(ExportTest, showsATimeoutRoundedUp) {
+    const TempFolder other;
+    for (const auto& [timeout, text] : {std::pair("1500", "0 s of 2 s"), std::pair("1", "0 s of 1 s")}) {
+        Terminal terminal;
+        AgentProcess::Setting setting;
+        setting.err = terminal.descriptor();
+        const std::string file = other.write("libtev_schema_populator.cfg",
+                                             std::string("<configuration><TevSchemaMoService><sftpTimeout>") + timeout +
+                                                 "</sftpTimeout></TevSchemaMoService></configuration>");
+        AgentProcess agent(
+            arguments("exports_as_told", {"one", "sftp://h/p", "--config", file, "--password-file", passwordFile}),
+            setting);
+        EXPECT_EQ(agent.outcome().status, 0);
+        EXPECT_THAT(terminal.shown(), StartsWith(std::string("one: ") + text));
+    }
+}
+
+TEST_F(ExportTest, nobodyIsAskedForThePasswordOfANodeWithoutModels) {
     const TempFolder empty;
-    const AgentOutcome outcome =
-        AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/", "--password-file", passwordFile});
+    for (const auto& [format, result] :
+         {std::pair("--output=table", ""), std::pair("--output=json", "{\"exports\":[]}\n")}) {
+        const AgentOutcome outcome =
+            AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/p", format});
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.out, result);
+        EXPECT_EQ(outcome.err, "tev-agent: there is no model to export\n");
+    }
+}
+
+// The first thread that could not be made ended the command, and no result was told.
+TEST_F(ExportTest, exportsEveryModelWhereTheSystemGivesFewThreads) {
+    const AgentOutcome outcome = run("exports_without_threads", {"--all", "--jobs", "2", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(outcome.out, HasSubstr("0: exported: in company\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("1: exported: in company\n"));
+    EXPECT_THAT(outcome.out, EndsWith("2: exported: by the main thread\n3: exported: by the main thread\n"));
+}
+
+TEST_F(ExportTest, resultsThatCannotBeWrittenKeepNoModelFromBeingExported) {
+    AgentProcess::Setting setting;
+    setting.out = open("/dev/full", O_WRONLY | O_CLOEXEC);
+    for (const std::string format : {"table", "json"}) {
+        AgentProcess agent(arguments("exports_as_told", {"--all", "--jobs", "1", "sftp://h/p", "--output", format,
+                                                         "--password-file", passwordFile}),
+                           setting);
+        const AgentOutcome outcome = agent.outcome();
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p/", "secret") +
+                                   called(TestNode::schemaDn("two"), "sftp://h/p/", "secret") +
+                                   "tev-agent: cannot write to standard output: No space left on device\n");
+    }
+    close(setting.out);
+}
+
+TEST_F(ExportTest, aVersionThatCannotBeReadKeepsNoModelFromBeingExported) {
+    const std::string sentence = "tev-agent: there are several versions of one\n";
+    const AgentOutcome every = run("exports_unreadable", {"--all", "sftp://h/p"});
+    EXPECT_EQ(every.out, "one: exported\n");
+    EXPECT_EQ(every.err, sentence);
+    const AgentOutcome one = run("exports_unreadable", {"one", "sftp://h/p"});
+    EXPECT_EQ(one.status, 0);
+    EXPECT_EQ(one.err, sentence);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "TcpProxy.h"
 #include "TempFolder.h"
 #include "Terminal.h"
+#include "TestNode.h"
 
 namespace TevTest {
 
@@ -20,6 +21,7 @@ namespace {
 
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -56,6 +58,15 @@ protected:
         while (proxy.bytes() < bytes && !agent.hasEnded()) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
+    }
+
+    /// How often `part` stands in `text`.
+    static int count(const std::string& text, const std::string& part) {
+        int found = 0;
+        for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+            ++found;
+        }
+        return found;
     }
 
     /// Whether there is a process that an export through that port began.
@@ -138,7 +149,7 @@ TEST_F(ExportToServerTest, aModelThatFailsDoesNotStopTheOthers) {
 }
 
 TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothing) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         TcpProxy proxy("127.0.0.1", server.port());
         proxy.slowDownTo(halfWay);
         AgentProcess agent(withPassword({"PerformanceModel", uri(proxy.port(), "copy.xml")}), setting);
@@ -148,9 +159,7 @@ TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothing) {
         agent.send(signal);
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
-        EXPECT_EQ(outcome.err,
-                  "tev-agent: cannot export PerformanceModel: SFTP error: the transfer was interrupted\n"
-                  "tev-agent: interrupted\n");
+        EXPECT_EQ(outcome.err, "tev-agent: cannot export PerformanceModel: SFTP error: the transfer was interrupted\n");
         EXPECT_THAT(server.names(), IsEmpty());
         EXPECT_FALSE(hasClient(proxy.port()));
     }
@@ -165,25 +174,51 @@ TEST_F(ExportToServerTest, anInterruptEndsATransferThatHangsAndTellsWhatMayBeLef
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);
     EXPECT_THAT(outcome.err, AllOf(HasSubstr("SFTP error: the transfer was interrupted; "),
-                                   HasSubstr(" may be left on the server\ntev-agent: interrupted\n")));
+                                   EndsWith(" may be left on the server\n")));
     EXPECT_FALSE(hasClient(proxy.port()));
 }
 
-TEST_F(ExportToServerTest, anInterruptStopsEveryModel) {
-    TcpProxy proxy("127.0.0.1", server.port());
-    proxy.holdAfter(0);
-    AgentProcess agent(withPassword({"--all", "--jobs", "3", uri(proxy.port(), "")}), setting);
-    while (proxy.connections() < 3 && !agent.hasEnded()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+TEST_F(ExportToServerTest, anInterruptStopsEveryModelAndTellsWhichWereNotBegun) {
+    for (const std::string format : {"table", "json"}) {
+        TcpProxy proxy("127.0.0.1", server.port());
+        proxy.holdAfter(0);
+        AgentProcess agent(withPassword({"--all", "--jobs", "3", "--output", format, uri(proxy.port(), "")}), setting);
+        while (proxy.connections() < 3 && !agent.hasEnded()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        agent.send(SIGINT);
+        const AgentOutcome outcome = agent.outcome();
+        EXPECT_EQ(outcome.status, 130);
+        EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+        EXPECT_EQ(count(outcome.out, "the transfer was interrupted"), 3) << outcome.out;
+        EXPECT_EQ(count(outcome.out, "not begun"), 11) << outcome.out;
+        EXPECT_EQ(count(outcome.out, format == "table" ? ": failed: " : "\"exported\":false"), 14) << outcome.out;
+        EXPECT_THAT(server.names(), IsEmpty());
+        EXPECT_FALSE(hasClient(proxy.port()));
     }
-    agent.send(SIGINT);
-    const AgentOutcome outcome = agent.outcome();
-    EXPECT_EQ(outcome.status, 130);
-    EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
-    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 3) << outcome.out;
-    EXPECT_THAT(outcome.out, Not(HasSubstr("exported")));
-    EXPECT_THAT(server.names(), IsEmpty());
-    EXPECT_FALSE(hasClient(proxy.port()));
+}
+
+TEST_F(ExportToServerTest, ofSeveralVersionsTheOneThatIsSentIsTold) {
+    const TestNode node;
+    node.writeModel("4.xml", R"(<mom name="Transport" version="3"/>)");
+    node.writeModel("5.xml", R"(<mom name="Plain" version="4"/>)");
+    const std::vector<std::string> files = {"--node", node.path(), "export", "--password-file", passwordFile};
+    std::vector<std::string> words = files;
+    words.insert(words.end(), {"Transport", uri("copy.xml")});
+    const AgentOutcome one = AgentProcess::run(words, setting);
+    EXPECT_EQ(one.status, 0);
+    EXPECT_EQ(one.err,
+              "tev-agent: there are several versions of Transport (chosen: 2.1.5)\n"
+              "tev-agent: File transfer successful\n");
+    EXPECT_EQ(contents(server.folder() / "copy.xml"), contents(node.path() + "/models/1.xml"));
+    words = files;
+    words.insert(words.end(), {"--all", uri("")});
+    const AgentOutcome every = AgentProcess::run(words, setting);
+    EXPECT_EQ(every.status, 0);
+    EXPECT_EQ(every.err,
+              "tev-agent: there are several versions of Plain (chosen: the one without a version), Transport (chosen: "
+              "2.1.5)\n");
+    EXPECT_THAT(server.names(), ElementsAre("1.xml", "2.xml", "3.xml", "copy.xml"));
 }
 
 TEST_F(ExportToServerTest, aTerminalShowsHowLongATransferHasTaken) {

@@ -283,6 +283,18 @@ TEST_F(HostileComponentTest, aSecondInterruptEndsAComponentThatHangs) {
     }
 }
 
+TEST_F(HostileComponentTest, aHangUpCountsOnceHoweverOftenItComes) {
+    AgentProcess agent(arguments("endless_start", {"list"}));
+    agent.waitForError("starting\n");
+    for (int hangUps = 0; hangUps < 20 && !agent.hasEnded(); ++hangUps) {
+        agent.send(SIGHUP);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    EXPECT_FALSE(agent.hasEnded());
+    agent.send(SIGINT);
+    EXPECT_EQ(agent.outcome().signal, SIGINT);
+}
+
 TEST_F(HostileComponentTest, checkNamesTheItemThatFailsAndDoesNotTryTheOthers) {
     struct Case {
         const char* fault;

@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <future>
+
 #include "Diagnostics.h"
 #include "Failure.h"
 #include "FakeComponent.h"
@@ -96,6 +99,26 @@ TEST_F(PortalServiceTest, refusesASecondComponentOfOneName) {
     EXPECT_EQ(table().registerComponent(&other.component), -1);
     EXPECT_EQ(capture.takeOr(""), "component A is registered already");
     EXPECT_EQ(portal.registered().size(), 1U);
+}
+
+TEST_F(PortalServiceTest, takesOneAtATimeOfTwoThatRegisterUnderOneName) {
+    TevTest::FakeComponent<3> other("A", calls);
+    // Returns how often both were registered.
+    const auto comeAndGo = [this](DalMgmtSpiComponent_2& component) {
+        Diagnostics::Capture quiet;
+        int meetings = 0;
+        for (int round = 0; round < 300000; ++round) {
+            if (table().registerComponent(&component) == 0) {
+                meetings += portal.registered().size() == 1 ? 0 : 1;
+                table().unregisterComponent(&component);
+            }
+            quiet.takeOr("");
+        }
+        return meetings;
+    };
+    auto first = std::async(std::launch::async, comeAndGo, std::ref(a.component));
+    const int meetings = comeAndGo(other.component);
+    EXPECT_EQ(first.get() + meetings, 0);
 }
 
 TEST_F(PortalServiceTest, refusesToForgetWhatItDoesNotKnow) {

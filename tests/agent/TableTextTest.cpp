@@ -37,11 +37,16 @@ TEST(TableTextTest, joinsSeveralValuesWithACommaAndABlank) {
     EXPECT_EQ(TableText::of({"options"}, {{"", {{"options", {"", "x"}}}}}), "options\n, x\n");
 }
 
-TEST(TableTextTest, alignsByCharactersNotBytes) {
+TEST(TableTextTest, alignsByColumnsOfTheTerminal) {
     EXPECT_EQ(TableText::of(names, {instance("M\xc3\xb6\xc3\xb6re-Mod", {"1"}, {}), instance("plain", {"2"}, {})}),
               "schemaId   version  options\n"
               "M\xc3\xb6\xc3\xb6re-Mod  1\n"
               "plain      2\n");
+    EXPECT_EQ(
+        TableText::of(names, {instance("\xe4\xb8\xad\xe5\x9b\xbd Model", {"1"}, {}), instance("plain", {"2"}, {})}),
+        "schemaId    version  options\n"
+        "\xe4\xb8\xad\xe5\x9b\xbd Model  1\n"
+        "plain       2\n");
 }
 
 TEST(TableTextTest, makesControlCharactersHarmless) {

@@ -1,6 +1,7 @@
 #include "Utf8.h"
 
 #include <gmock/gmock.h>
+#include <locale.h>
 
 namespace TevAgent {
 
@@ -28,10 +29,29 @@ TEST(Utf8Test, replacesOverlongFormsSurrogatesAndWhatIsBeyondUnicode) {
     EXPECT_EQ(Utf8::repaired("\xf8\x88\x80\x80\x80"), "\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd");
 }
 
-TEST(Utf8Test, countsCharactersNotBytes) {
-    EXPECT_EQ(Utf8::length(""), 0U);
-    EXPECT_EQ(Utf8::length("abc"), 3U);
-    EXPECT_EQ(Utf8::length("B\xc3\xb6se \xe2\x82\xac"), 6U);
+TEST(Utf8Test, countsTheColumnsOfATerminal) {
+    EXPECT_EQ(Utf8::columns(""), 0U);
+    EXPECT_EQ(Utf8::columns("abc"), 3U);
+    EXPECT_EQ(Utf8::columns("B\xc3\xb6se \xe2\x82\xac"), 6U);
+    EXPECT_EQ(Utf8::columns("\xe4\xb8\xad\xf0\x9f\x98\x80"), 4U) << "double width";
+    EXPECT_EQ(Utf8::columns("Bo\xcc\x88se"), 4U) << "a diaeresis of its own";
+    EXPECT_EQ(Utf8::columns("\xef\xbf\xbd\xee\x80\x80"), 2U) << "one that nobody knows";
+}
+
+TEST(Utf8Test, fitsWholeCharactersIntoColumns) {
+    EXPECT_EQ(Utf8::fitted("abc", 2), "ab");
+    EXPECT_EQ(Utf8::fitted("abc", 3), "abc");
+    EXPECT_EQ(Utf8::fitted("abc", 0), "");
+    EXPECT_EQ(Utf8::fitted("", 5), "");
+    EXPECT_EQ(Utf8::fitted("a\xe4\xb8\xadz", 2), "a");
+    EXPECT_EQ(Utf8::fitted("a\xe4\xb8\xadz", 3), "a\xe4\xb8\xad");
+    EXPECT_EQ(Utf8::fitted("ao\xcc\x88z", 2), "ao\xcc\x88");
+}
+
+TEST(Utf8Test, leavesTheLocaleAsItIs) {
+    EXPECT_EQ(Utf8::columns("\xe4\xb8\xad"), 2U);
+    EXPECT_EQ(uselocale(nullptr), LC_GLOBAL_LOCALE);
+    EXPECT_STREQ(setlocale(LC_ALL, nullptr), "C");
 }
 
 }  // namespace

@@ -2,6 +2,11 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <vector>
+
+#include "LogCapture.h"
+
 namespace {
 
 using testing::ElementsAre;
@@ -37,8 +42,40 @@ TEST(ClientWordsTest, placeInTheClientsSourceIsCutOff) {
     EXPECT_THAT(words.take(), ElementsAre("Unable to negotiate with h port 22: no matching MAC found"));
 }
 
+// What comes before a lone carriage return may be the server's: "Received disconnect from h: foo\rHost key for …".
+TEST(ClientWordsTest, carriageReturnWithinALineEndsNone) {
+    ClientWords words(false);
+    words.add("one\rtwo\r");
+    words.add("\n\rthree  \r\r\n");
+    EXPECT_THAT(words.take(), ElementsAre("one?two", "three"));
+}
+
+TEST(ClientWordsTest, logIsNotFloodedBetweenTwoCalls) {
+    const TevTest::LogCapture log(6);
+    ClientWords words(true);
+    for (int i = 0; i < 1000; ++i) {
+        words.add("a\n");
+    }
+    words.take();
+    words.add("b\n");
+    std::vector<std::string> texts;
+    for (const TevTest::LogRecord& record : log.recordsOf("execute")) {
+        if (record.type == "LOG") {
+            texts.push_back(record.text);
+        }
+    }
+    ASSERT_EQ(texts.size(), 202U);
+    EXPECT_EQ(texts[199], "sftp: a");
+    EXPECT_EQ(texts[200], "sftp: (more, which is dropped)");
+    EXPECT_EQ(texts[201], "sftp: b");
+}
+
 TEST(ClientWordsTest, controlCharactersAreReplaced) {
     EXPECT_EQ(Tev::printable("a\x1b[2J\t\x7f\xc3\xa4"), "a?[2J??\xc3\xa4");
+    // Some terminals take U+009B for an escape and a bracket.
+    EXPECT_EQ(Tev::printable("\xc2\x9b"
+                             "2J\xc2\x80\xc2\xa0\xc3\x9b"),
+              "?2J?\xc2\xa0\xc3\x9b");
 }
 
 }  // namespace

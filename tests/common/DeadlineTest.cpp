@@ -35,6 +35,13 @@ TEST(DeadlineTest, timeLeftEndsWithTheDeadline) {
     EXPECT_EQ(deadline.timeLeft(1000), 0);
 }
 
+TEST(DeadlineTest, laterMoment) {
+    const int left = Deadline(1000).later(500).timeLeft(INT_MAX);
+    EXPECT_GT(left, 1000);
+    EXPECT_LE(left, 1500);
+    EXPECT_EQ(Deadline(0).later(500).timeLeft(INT_MAX), INT_MAX);
+}
+
 TEST(DeadlineTest, earlierOfTwo) {
     EXPECT_LE(Deadline::earlier(Deadline(1000), Deadline(0)).timeLeft(INT_MAX), 1000);
     EXPECT_LE(Deadline::earlier(Deadline(0), Deadline(1000)).timeLeft(INT_MAX), 1000);

@@ -6,6 +6,7 @@
 
 #include "AsNobody.h"
 #include "EnvironmentVariable.h"
+#include "FileText.h"
 #include "TempFolder.h"
 #include "TevException.h"
 
@@ -16,6 +17,18 @@ using TevTest::EnvironmentVariable;
 
 class KnownHostsTest : public testing::Test {
 protected:
+    void expectRefused(const std::string& reason) const {
+        try {
+            const KnownHosts hosts;
+            FAIL();
+        } catch (const Tev::TevException& failure) {
+            EXPECT_EQ(failure.getReturnCode(), -1);
+            EXPECT_EQ(std::string(failure.what()),
+                      (folder.path() / "a/b/known_hosts").string() +
+                          ", where host keys are remembered, cannot be written: " + reason);
+        }
+    }
+
     const TevTest::TempFolder folder;
     const EnvironmentVariable state{"TEV_STATE_DIR", folder.path().string() + "/a/b"};
 };
@@ -32,6 +45,14 @@ TEST_F(KnownHostsTest, folderIsMadeForItsUserOnly) {
     EXPECT_EQ(KnownHosts().path(), folder.path() / "a/b/known_hosts");
 }
 
+TEST_F(KnownHostsTest, fileThatIsThereStaysAsItIs) {
+    const KnownHosts first;
+    const std::string keys = "host a key\n";
+    folder.write("a/b/known_hosts", keys);
+    const KnownHosts second;
+    EXPECT_EQ(TevTest::contents(second.path()), keys);
+}
+
 TEST_F(KnownHostsTest, relativeFolderIsMadeAbsolute) {
     const EnvironmentVariable relative("TEV_STATE_DIR", std::filesystem::relative(folder.path() / "c").string());
     EXPECT_TRUE(std::filesystem::path(KnownHosts().path()).is_absolute());
@@ -44,15 +65,14 @@ TEST_F(KnownHostsTest, fileThatMayNotBeWritten) {
     std::filesystem::permissions(folder.path() / "a", std::filesystem::perms(0755));
     std::filesystem::permissions(folder.path() / "a/b", std::filesystem::perms(0555));
     const TevTest::AsNobody nobody;
-    try {
-        const KnownHosts hosts;
-        FAIL();
-    } catch (const Tev::TevException& failure) {
-        EXPECT_EQ(failure.getReturnCode(), -1);
-        EXPECT_EQ(std::string(failure.what()),
-                  (folder.path() / "a/b/known_hosts").string() +
-                      ", where host keys are remembered, cannot be written: Permission denied");
-    }
+    expectRefused("Permission denied");
+}
+
+// The look whether the folder is there hid the reason for which it could not be made: "No such file or directory".
+TEST_F(KnownHostsTest, folderThatMayNotBeMade) {
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0555));
+    const TevTest::AsNobody nobody;
+    expectRefused("Permission denied");
 }
 
 TEST_F(KnownHostsTest, optionKeepsTheNameAsItIs) {

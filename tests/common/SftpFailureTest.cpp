@@ -1,18 +1,26 @@
 #include <gmock/gmock.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <netinet/in.h>
 #include <pwd.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
 
 #include "AsNobody.h"
 #include "FileText.h"
+#include "LogCapture.h"
 #include "SftpTest.h"
 #include "TcpProxy.h"
 
@@ -79,8 +87,40 @@ public:
 
     std::string port;
 
-private:
+protected:
     int descriptor;
+};
+
+/// A port where the first connection gets a message of farewell before any key is exchanged.
+class FarewellPort : public SilentPort {
+public:
+    explicit FarewellPort(const std::string& message)
+        : speaking([this, message] {
+              const int client = accept4(descriptor, nullptr, nullptr, SOCK_CLOEXEC);
+              const std::string bytes = "SSH-2.0-server\r\n" + packet(message);
+              char answer[4096];
+              // Closed only when the client is through, so that nothing gets lost.
+              for (ssize_t count = send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL); count > 0;) {
+                  count = read(client, answer, sizeof answer);
+              }
+              close(client);
+          }) {}
+    ~FarewellPort() { speaking.join(); }
+
+private:
+    static std::string number(std::size_t value) {
+        const std::uint32_t inOrder = htonl(static_cast<std::uint32_t>(value));
+        return {reinterpret_cast<const char*>(&inOrder), sizeof inOrder};
+    }
+
+    /// RFC 4253, sections 6 and 11.1: SSH_MSG_DISCONNECT with a reason, the message and no language.
+    static std::string packet(const std::string& message) {
+        const std::string payload = '\1' + number(2) + number(message.size()) + message + number(0);
+        const std::size_t padding = 12 - (payload.size() + 9) % 8;
+        return number(1 + payload.size() + padding) + static_cast<char>(padding) + payload + std::string(padding, '\0');
+    }
+
+    std::thread speaking;
 };
 
 /// From here on the process is alone in an empty network, and keeps its user.
@@ -161,6 +201,19 @@ TEST_F(SftpFailureTest, serverThatEndsTheConnectionAtOnce) {
     EXPECT_THAT(transfer.run(), outcome(-1, MatchesRegex("the server 127\\.0\\.0\\.1, port " + proxy.port() +
                                                          ", has ended the connection: .*Connection .* by .*")));
     expectUntouched(server, transfer);
+}
+
+// What the server said was told as the client's own words, with the command that forgets the true key.
+TEST_F(SftpFailureTest, farewellThatImitatesAChangedHostKeyIsTheServers) {
+    Transfer transfer;
+    transfer.localFile = local.write("local", "");
+    transfer.remotePath = "/x";
+    for (const std::string before : {"", "x\n", "x\r"}) {
+        const FarewellPort server(before + "Host key for x has changed");
+        transfer.port = server.port;
+        EXPECT_THAT(transfer.run(), outcome(-1, StartsWith("the server 127.0.0.1, port " + server.port +
+                                                           ", has ended the connection: Received disconnect from ")));
+    }
 }
 
 TEST_F(SftpFailureTest, serverWithoutPasswords) {
@@ -254,6 +307,30 @@ TEST_F(SftpFailureTest, folderThatMayNotBeWritten) {
                                                 " on the server"));
     EXPECT_TRUE(isOldFileWhole(transfer));
     ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+}
+
+// A temporary file that had never been opened was said to be left.
+TEST_F(SftpFailureTest, folderThatMayNotBeSearched) {
+    const SftpServer server;
+    const std::filesystem::path folder = server.world() / "closed";
+    std::filesystem::create_directory(folder);
+    Transfer transfer = transferTo(server);
+    transfer.remotePath = folder / "remote";
+    ASSERT_EQ(chmod(folder.c_str(), 0), 0);
+    EXPECT_THAT(transfer.run(), outcome(-1, "the user tester may not write into the folder of " + transfer.remotePath +
+                                                " on the server"));
+    ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+}
+
+// The client cut the line in which the reason against a removal stood.
+TEST_F(SftpFailureTest, missingFolderWithALongName) {
+    const SftpServer server;
+    Transfer transfer = transferTo(server);
+    transfer.remotePath = server.folder();
+    for (int i = 0; i < 300; ++i) {
+        transfer.remotePath += "/ä";
+    }
+    EXPECT_THAT(transfer.run(), outcome(-2, "the folder of " + transfer.remotePath + " is not there on the server"));
 }
 
 TEST_F(SftpFailureTest, folderInThePlaceOfTheFile) {
@@ -512,6 +589,38 @@ TEST_F(SftpFailureTest, localFileThatMayNotBeRead) {
     expectUntouched(server, transfer);
 }
 
+// It was told as a broken connection.
+TEST_F(SftpFailureTest, localFileThatCannotBeReadAnyMore) {
+    const SftpServer server;
+    Transfer transfer = transferOver(server);
+    transfer.localFile = "/sys/class/net/lo/speed";  // there is none
+    EXPECT_THAT(transfer.run(), outcome(-1, "the local file /sys/class/net/lo/speed cannot be read: Invalid argument"));
+    expectUntouched(server, transfer);
+}
+
+// It was put in place, torn or mixed of old and new.
+TEST_F(SftpFailureTest, localFileThatChangesMeanwhile) {
+    const SftpServer server;
+    const std::function<void(const std::string&)> changes[] = {
+        [](const std::string& file) { std::filesystem::resize_file(file, 1'000'000); },
+        [](const std::string& file) { std::fstream(file, std::ios::in | std::ios::out) << "x"; }};
+    for (const auto& change : changes) {
+        TcpProxy proxy(server.host(), server.port());
+        Transfer transfer = transferOver(server, randomBytes(3'000'000));
+        transfer.port = proxy.port();
+        proxy.holdAfter(500'000);
+        std::thread changing([&] {
+            waitUntil([&] { return proxy.bytes() >= 500'000; });
+            change(transfer.localFile);
+            proxy.resume();
+        });
+        EXPECT_THAT(transfer.run(),
+                    outcome(-1, "the local file " + transfer.localFile + " changed during the transfer"));
+        changing.join();
+        expectUntouched(server, transfer);
+    }
+}
+
 TEST_F(SftpFailureTest, localFileThatIsNoRegularFile) {
     const SftpServer server;
     Transfer transfer = transferOver(server);
@@ -537,6 +646,26 @@ TEST_F(SftpFailureTest, clientProgramThatIsNotThere) {
     expectUntouched(server, transfer);
 }
 
+/// From here on the system has no memory for a further process.
+void refuseProcesses() {
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone, 1, 0), BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone3, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOMEM), BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+    const sock_fprog filter{std::size(program), program};
+    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
+        throw std::system_error(errno, std::generic_category(), "seccomp");
+    }
+}
+
+TEST_F(SftpFailureTest, noMemoryForTheClient) {
+    const SftpServer server;
+    const Transfer transfer = transferOver(server);
+    EXPECT_THAT(transfer.runInChild(refuseProcesses),
+                outcome(-10, "the SFTP client /usr/bin/sftp cannot be started: Cannot allocate memory"));
+    expectUntouched(server, transfer);
+}
+
 /// A program in the client's place, for what no server of ours does.
 class SftpClientTest : public SftpFailureTest {
 protected:
@@ -546,6 +675,7 @@ protected:
         chmod(transfer.program.c_str(), 0755);
         transfer.localFile = local.write("local", "");
         transfer.remotePath = "/x";
+        state.write("known_hosts", "127.0.0.1 a key\n");
         return transfer;
     }
 
@@ -560,7 +690,7 @@ TEST_F(SftpClientTest, questionAfterThePasswordIsToldAndNotAnswered) {
     const TransferOutcome result = runWith(
         "exec 5<>/dev/tty\n"
         "printf '\\rPassword: ' >&5; read -r answer <&5\n"
-        "printf '\\nYour password has expired. New password: ' >&5; read -r answer <&5\n"
+        "printf '\\n\\rYour password has expired. New password: ' >&5; read -r answer <&5\n"
         "echo \"$answer\" >" +
         (local.path() / "answer").string());
     EXPECT_THAT(result, outcome(-1,
@@ -569,9 +699,76 @@ TEST_F(SftpClientTest, questionAfterThePasswordIsToldAndNotAnswered) {
     EXPECT_FALSE(std::filesystem::exists(local.path() / "answer"));
 }
 
+TEST_F(SftpClientTest, serverThatFallsSilentIsGivenUpByTheClient) {
+    const std::string arguments = local.path() / "arguments";
+    Transfer transfer = transferWith("echo \" $* \" >" + arguments + "\n");
+    transfer.timeout = 0;
+    transfer.run();
+    for (const char* const option :
+         {" -oConnectTimeout=120 ", " -oServerAliveInterval=15 ", " -oServerAliveCountMax=3 "}) {
+        EXPECT_THAT(contents(arguments), HasSubstr(option));
+    }
+    // Its own seconds end after our time-out.
+    transfer.timeout = 4900;
+    transfer.run();
+    EXPECT_THAT(contents(arguments), HasSubstr(" -oConnectTimeout=5 "));
+}
+
+TEST_F(SftpClientTest, questionOfSeveralLinesIsAnswered) {
+    for (const char* const pause : {"", "sleep 0.2"}) {
+        Transfer transfer = transferWith(std::string("exec 5<>/dev/tty\n"
+                                                     "printf '\\r(tester@host) Welcome to the vault.\\n' >&5\n") +
+                                         pause +
+                                         "\nprintf 'Password: ' >&5; read -r answer <&5; printf '\\n' >&5\n"
+                                         "while read -r command; do echo SFTP protocol version 3; done\n"
+                                         "echo \"$answer\" >" +
+                                         (local.path() / "answer").string());
+        EXPECT_EQ(transfer.run(), success);
+        EXPECT_EQ(contents(local.path() / "answer"), transfer.password + '\n');
+    }
+}
+
+TEST_F(SftpClientTest, passwordOfTheGreatestLengthIsSent) {
+    Transfer transfer = transferWith("exec 5<>/dev/tty\nprintf '\\rPassword: ' >&5\nhead -c 1024 <&5 >" +
+                                     (local.path() / "answer").string() + "\n");
+    transfer.password = std::string(1022, 'p') + '.';
+    transfer.run();
+    EXPECT_EQ(contents(local.path() / "answer"), transfer.password + '\n');
+}
+
+// While the client wrote faster than its words were taken, neither the time-out nor an interruption was seen.
+TEST_F(SftpClientTest, clientThatNeverStopsTalkingIsEndedByTheTimeout) {
+    const TevTest::LogCapture log(6);
+    Transfer transfer = transferWith("exec timeout 8 yes >&2\n");
+    transfer.timeout = 1000;
+    for (const bool isDebugging : {false, true}) {
+        transfer.debug = isDebugging;
+        EXPECT_THAT(millisecondsOf(
+                        [&] { EXPECT_THAT(transfer.run(), outcome(-1, "the transfer was not over after 1000 ms")); }),
+                    AllOf(Ge(1000), Lt(2000)));
+    }
+}
+
 TEST_F(SftpClientTest, clientThatDoesNotWantToGoIsEnded) {
     EXPECT_THAT(millisecondsOf([&] {
                     EXPECT_THAT(runWith("trap '' TERM HUP INT\nexec <&- >&- 2>&-\nwhile :; do sleep 1; done\n", 500),
+                                outcome(-1, "the transfer was not over after 500 ms"));
+                }),
+                Lt(1500));
+}
+
+// A timer of the host's began the time that the client has to go anew, for ever when it rang often enough.
+TEST_F(SftpClientTest, clientThatDoesNotWantToGoIsEndedInAHostWithATimer) {
+    Transfer transfer = transferWith("trap '' TERM HUP INT\nfor i in 1 2 3 4 5; do sleep 1; done\n");
+    transfer.timeout = 500;
+    EXPECT_THAT(millisecondsOf([&] {
+                    EXPECT_THAT(transfer.runInChild([] {
+                        struct sigaction action {};
+                        action.sa_handler = [](int) {};
+                        sigaction(SIGALRM, &action, nullptr);
+                        const itimerval often{{0, 10'000}, {0, 10'000}};
+                        setitimer(ITIMER_REAL, &often, nullptr);
+                    }),
                                 outcome(-1, "the transfer was not over after 500 ms"));
                 }),
                 Lt(1500));
@@ -588,6 +785,42 @@ TEST_F(SftpClientTest, clientThatGoesBetweenTwoCommandsIsNoSignalToTheHost) {
                 outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
 }
 
+// What the user's login on the server writes to standard error was taken for a failure: a file in its place was said
+// not to be there.
+TEST_F(SftpClientTest, wordsOfTheServerAreNoFailure) {
+    const std::string version = "echo SFTP protocol version 3\n";
+    const std::string words = "echo 'Your quota is nearly used up.' >&2\n";
+    const std::string untilRenamed = "read -r v; " + version + "read -r put; read -r v; " + words + version +
+                                     "read -r rename; read -r v; " + words + version;
+    const std::string notThere = "echo 'remote delete /.tev-1: No such file or directory' >&2\n";
+    EXPECT_EQ(runWith(untilRenamed + "read -r rm; read -r v; " + notThere + version), success);
+    EXPECT_THAT(runWith(untilRenamed + "read -r rm; read -r v; " + words + version),
+                outcome(-1, "the server does not put the file in the place of /x: Your quota is nearly used up."));
+}
+
+// A line without an end must not hide the client's words behind it.
+TEST_F(SftpClientTest, failureBehindWordsOfTheServerIsOne) {
+    const std::string version = "echo SFTP protocol version 3\n";
+    EXPECT_THAT(runWith("read -r v; " + version +
+                        "read -r put; read -r v; echo 'Hello write remote \"/.tev-1\": Failure' >&2; " + version +
+                        "read -r rm; read -r v; " + version),
+                outcome(-1, "the server does not take the file: Hello write remote \"/.tev-1\": Failure"));
+}
+
+TEST_F(SftpClientTest, onlyTheServersReasonTellsThatThereIsNothingToRemove) {
+    const std::string version = "echo SFTP protocol version 3\n";
+    const auto refusing = [&](const std::string& words) {
+        return runWith("read -r v; " + version + "read -r put; read -r v; echo 'write remote \"x\": Failure' >&2; " +
+                       version + "read -r rm; read -r v; echo '" + words + "' >&2; " + version);
+    };
+    EXPECT_THAT(refusing("remote delete /No such file or directory/.tev-1: Failure").sentence,
+                HasSubstr("may be left on the server"));
+    EXPECT_THAT(refusing("remote delete /x: No such file or directory/\\\\303\\\\27").sentence,
+                HasSubstr("may be left on the server"));
+    EXPECT_THAT(refusing("remote delete /.tev-1: No such file or directory").sentence,
+                testing::EndsWith("a limit reached: Failure"));
+}
+
 // The answer to the renaming may get lost. Then the temporary file's absence tells that the file is in its place.
 TEST_F(SftpClientTest, lostAnswerToTheRenamingIsNoFailure) {
     const std::string version = "echo SFTP protocol version 3\n";
@@ -600,6 +833,15 @@ TEST_F(SftpClientTest, lostAnswerToTheRenamingIsNoFailure) {
     std::filesystem::remove(mark);
     EXPECT_THAT(runWith(both + version),
                 outcome(-1, StartsWith("the connection to 127.0.0.1 broke in the middle of the transfer: ")));
+}
+
+TEST_F(SftpClientTest, hostKeyThatWasNotWrittenEndsTheTransferBeforeAnythingIsSent) {
+    const Transfer transfer =
+        transferWith("read -r v; echo SFTP protocol version 3; cat >" + local.path().string() + "/commands\n");
+    const std::string file = state.write("known_hosts", "");
+    EXPECT_THAT(transfer.run(),
+                outcome(-1, file + ", where host keys are remembered, is empty: the server's key was not written"));
+    EXPECT_EQ(contents(local.path() / "commands"), "");
 }
 
 TEST_F(SftpClientTest, wordsWithoutEndAreBorne) {

@@ -19,7 +19,7 @@
 #include <thread>
 
 #include "FileText.h"
-#include "LoggingWrapper.h"
+#include "LogCapture.h"
 #include "SftpTest.h"
 #include "TcpProxy.h"
 
@@ -140,6 +140,29 @@ TEST_F(SftpHostTest, manyOpenDescriptors) {
     });
 }
 
+// One end of a pipe stayed open when there was no descriptor for the other.
+TEST_F(SftpHostTest, tooFewDescriptorsAreToldWithWhatTheyAreMissingForAndNoneIsLeft) {
+    const SftpServer server;
+    const Transfer transfer = transferTo(server);
+    std::vector<TransferOutcome> outcomes;
+    // A transfer uses those from 10 on.
+    for (rlim_t limit = 11; outcomes.empty() || outcomes.back().code == -1; ++limit) {
+        outcomes.push_back(transfer.runInChild([limit] {
+            const rlimit few{limit, limit};
+            setrlimit(RLIMIT_NOFILE, &few);
+        }));
+    }
+    EXPECT_EQ(outcomes.back(), success);
+    outcomes.pop_back();
+    for (const TransferOutcome& outcome : outcomes) {
+        EXPECT_THAT(
+            outcome.sentence,
+            testing::MatchesRegex("(the local file .* cannot be read|.*known_hosts, .* cannot be written|no "
+                                  "pipe|no pseudo terminal|no handle of the SFTP client): Too many open files"));
+    }
+    EXPECT_THAT(outcomes, SizeIs(Ge(5)));
+}
+
 TEST_F(SftpHostTest, clientGetsNoDescriptorOfTheHosts) {
     const SftpServer server;
     TcpProxy proxy(server.host(), server.port());
@@ -189,13 +212,16 @@ TEST_F(SftpHostTest, emptyEnvironment) {
     });
 }
 
-/// A new world for the calling process, in which it may mount; it keeps its user.
+/// A new world for the calling process, in which it may mount; it keeps its user and group.
 void enterOwnMounts(uid_t seenAs) {
     const uid_t uid = geteuid();
+    const gid_t gid = getegid();
     if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
         throw std::system_error(errno, std::generic_category(), "unshare");
     }
     std::ofstream("/proc/self/uid_map") << seenAs << ' ' << uid << " 1\n";
+    std::ofstream("/proc/self/setgroups") << "deny";
+    std::ofstream("/proc/self/gid_map") << gid << ' ' << gid << " 1\n";
 }
 
 TEST_F(SftpHostTest, usersOwnConfigurationOfTheClientIsNotRead) {
@@ -221,6 +247,22 @@ TEST_F(SftpHostTest, userWithoutAnAccountIsTold) {
     EXPECT_EQ(
         transferTo(server).runInChild([] { enterOwnMounts(54399); }),
         (TransferOutcome{-1, "no connection to 127.0.0.1, port " + server.port() + ": No user exists for uid 54399"}));
+}
+
+// The client opened the file, could not write to it, said nothing and went on with a key that nobody had pinned.
+TEST_F(SftpHostTest, fullDiskUnderTheStateFolderIsTold) {
+    const SftpServer server;
+    const std::string file = state.path() / "known_hosts";
+    EXPECT_EQ(
+        transferTo(server).runInChild([&] {
+            enterOwnMounts(geteuid());
+            if (mount("none", state.path().c_str(), "tmpfs", 0, "size=65536") != 0) {
+                throw std::system_error(errno, std::generic_category(), "mount");
+            }
+            std::ofstream(state.path() / "other") << std::string(65536, 'x');  // as much as there is room for
+        }),
+        (TransferOutcome{-1, file + ", where host keys are remembered, cannot be written: No space left on device"}));
+    EXPECT_THAT(server.names(), IsEmpty());
 }
 
 TEST_F(SftpHostTest, hostThatIsKilledLeavesNoClient) {
@@ -273,7 +315,7 @@ TEST_F(SftpHostTest, passwordIsSeenNowhere) {
     SftpServer::Setting setting;
     setting.password = std::string("swordfish") + std::to_string(getpid());
     const SftpServer server(setting);
-    const std::string log = local.path() / "log";
+    const TevTest::LogCapture log(8);
     TcpProxy proxy(server.host(), server.port());
     proxy.holdAfter(200'000);
     Transfer transfer = transferTo(server, TevTest::randomBytes(1'000'000));
@@ -285,13 +327,12 @@ TEST_F(SftpHostTest, passwordIsSeenNowhere) {
         texts = visibleTexts({local.path(), state.path(), server.world()});
         proxy.resume();
     });
-    EXPECT_EQ(transfer.runInChild([&] {
-        // The first use of the log in this process.
-        setenv("TEV_LOG_LEVEL", "8", 1);
-        Tev::LoggingWrapper::instance().set_level(8);
-    }),
-              success);
+    EXPECT_EQ(transfer.run(), success);
     looking.join();
+    for (const TevTest::LogRecord& record : log.records()) {
+        texts.push_back(record.text);
+    }
+    EXPECT_THAT(texts, testing::Contains(HasSubstr("sftp: debug1: Next authentication method: password")));
     EXPECT_THAT(texts, testing::Contains(HasSubstr("-oUserKnownHostsFile=")));
     EXPECT_THAT(texts, Each(Not(HasSubstr(setting.password))));
 }

@@ -103,15 +103,17 @@ TEST_F(SftpWrapperTest, localNameWithANewlineIsReadAsAnyOther) {
 
 TEST_F(SftpWrapperTest, relativePathBeginsAtTheUsersFolder) {
     const SftpServer server;
-    std::filesystem::create_directory(server.folder() / "-d");
-    std::filesystem::permissions(server.folder() / "-d", std::filesystem::perms(0777));
-    for (const char* const path : {"file", "-x", "~file", "-d/file"}) {
+    for (const char* const folder : {"-d", "~"}) {
+        std::filesystem::create_directory(server.folder() / folder);
+        std::filesystem::permissions(server.folder() / folder, std::filesystem::perms(0777));
+    }
+    for (const char* const path : {"file", "-x", "~file", "-d/file", "~/file"}) {
         Transfer transfer = transferTo(server, path);
         transfer.remotePath = path;
         EXPECT_EQ(transfer.run(), success);
         EXPECT_EQ(contents(server.folder() / path), path);
     }
-    EXPECT_THAT(server.names(), ElementsAre("-d", "-x", "file", "~file"));
+    EXPECT_THAT(server.names(), ElementsAre("-d", "-x", "file", "~", "~file"));
 }
 
 TEST_F(SftpWrapperTest, remoteFileGetsTheLocalModeAndReplacesALink) {

@@ -1,6 +1,7 @@
 #include <netdb.h>
 #include <sys/socket.h>
 
+#include <filesystem>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -19,6 +20,7 @@ constexpr const char* wrongNumber = "Wrong number of parameters to action";
 constexpr const char* wrongFirst = "Wrong type or number of values in the first argument";
 constexpr const char* wrongSecond = "Wrong type or number of values in the second argument";
 constexpr const char* needsPassword = "sftp requires password";
+constexpr const char* hostFunction = "makeHostIPV6CompatiableIfHostIsIPV6";
 constexpr const char* noUri = "The URI in the export action could not be parsed";
 
 std::string unsupported(const std::string& scheme) {
@@ -50,17 +52,7 @@ protected:
         expectNothingDone(error("processActionParameters", escaped(text)), before, {{1, posted}});
     }
 
-    /// The host that the runner is given for a URI's host.
-    std::string hostOf(const std::string& uriHost) { return std::get<3>(argumentsOf("sftp://" + uriHost + "/f")); }
-
-    std::string portOf(const std::string& destination) { return std::get<4>(argumentsOf(destination)); }
-    std::string userOf(const std::string& destination) { return std::get<1>(argumentsOf(destination)); }
-    std::string pathOf(const std::string& destination) { return std::get<7>(argumentsOf(destination)); }
-
-    const std::string dn = dnOf("Mom");
-    ExportParameters parameters{uri, "secret"};
-
-private:
+    /// Expects these records and messages, and that nothing else has been done.
     void expectNothingDone(const Records& records, std::size_t messagesBefore, const Messages& posted) {
         EXPECT_THAT(log.records(), ElementsAreArray(records));
         Messages messages = host.messages();
@@ -71,6 +63,21 @@ private:
         EXPECT_THAT(runner.constructed, IsEmpty());
         EXPECT_TRUE(isResultUntouched());
     }
+
+    static Records unresolved(int reason, const std::string& uriHost) {
+        return warning(hostFunction, std::string("Error in getaddrinfo: ") + gai_strerror(reason) +
+                                         ", could not resolve host " + uriHost);
+    }
+
+    /// The host that the runner is given for a URI's host.
+    std::string hostOf(const std::string& uriHost) { return std::get<3>(argumentsOf("sftp://" + uriHost + "/f")); }
+
+    std::string portOf(const std::string& destination) { return std::get<4>(argumentsOf(destination)); }
+    std::string userOf(const std::string& destination) { return std::get<1>(argumentsOf(destination)); }
+    std::string pathOf(const std::string& destination) { return std::get<7>(argumentsOf(destination)); }
+
+    const std::string dn = dnOf("Mom");
+    ExportParameters parameters{uri, "secret"};
 };
 
 // The checks.
@@ -96,10 +103,27 @@ TEST_F(ExportArgumentsContractTest, missingDnOrNameIsRefused) {
     expectRefused(dn, nullptr, parameters.array, "Wrong action name [(null)]");
 }
 
-TEST_F(ExportArgumentsContractTest, missingPlaceForTheResultIsRefusedFirst) {
-    EXPECT_EQ(objects().action(txHandle, nullptr, nullptr, nullptr, nullptr), -8);
+TEST_F(ExportArgumentsContractTest, missingPlaceForTheResultIsRefusedAfterAllElse) {
+    const auto exportWithoutPlace = [this](const std::string& calledDn, const std::string& destination) {
+        ExportParameters given(destination, "secret");
+        forget();
+        return objects().action(txHandle, calledDn.c_str(), "export", given.array, nullptr);
+    };
+    const auto expectRefusedWithoutPlace = [&](const std::string& calledDn, const std::string& destination,
+                                               TevReturnT code, const Records& records, const Messages& posted) {
+        const std::size_t before = host.messages().size();
+        EXPECT_EQ(exportWithoutPlace(calledDn, destination), code);
+        expectNothingDone(records, before, posted);
+    };
+    expectRefusedWithoutPlace("Mom", uri, -8, error("validateActionArguments", "Dn is not valid [Mom]"), {});
+    expectRefusedWithoutPlace(dnOf("Other"), uri, -2, error("action", "Could not find schema for schemaId [Other] "),
+                              {{1, "Internal error"}});
+    expectRefusedWithoutPlace(dn, "sftp:", -1, error("processActionParameters", "Got syntax exeption Bad URI syntax"),
+                              {{1, noUri}});
+    EXPECT_EQ(exportWithoutPlace(dn, uri), -8);
     EXPECT_THAT(log.records(), ElementsAreArray(error("action", "Invalid input arguments")));
     EXPECT_THAT(host.calls(), IsEmpty());
+    EXPECT_THAT(runner.constructed, IsEmpty());
 }
 
 TEST_F(ExportArgumentsContractTest, missingParametersAreRefused) {
@@ -306,11 +330,9 @@ TEST_F(ExportArgumentsContractTest, hostThatDoesNotResolveIsPassedOnAndLogged) {
         resolver.setError("no%swhere", reason);
         log.clear();
         EXPECT_EQ(hostOf("no%swhere"), "no%swhere");
-        EXPECT_THAT(log.recordsOf("makeHostIPV6CompatiableIfHostIsIPV6"),
-                    ElementsAreArray(warning("makeHostIPV6CompatiableIfHostIsIPV6",
-                                             std::string("Error in getaddrinfo: ") + gai_strerror(reason) +
-                                                 ", could not resolve host no%swhere")));
+        EXPECT_THAT(log.recordsOf(hostFunction), ElementsAreArray(unresolved(reason, "no%swhere")));
     }
+    EXPECT_THAT(resolver.asked(), ElementsAre("no%swhere", "no%swhere", "no%swhere"));
     EXPECT_THAT(resolver.freed(), ElementsAre("null", "null", "null"));
     EXPECT_THAT(host.messages(), testing::Each(std::pair(1, "File transfer successful")));
 }
@@ -318,14 +340,17 @@ TEST_F(ExportArgumentsContractTest, hostThatDoesNotResolveIsPassedOnAndLogged) {
 TEST_F(ExportArgumentsContractTest, emptyHostIsPassedOnToo) {
     resolver.setError("", EAI_NONAME);
     EXPECT_EQ(hostOf(""), "");
+    EXPECT_THAT(resolver.asked(), ElementsAre(""));
+}
+
+TEST_F(ExportArgumentsContractTest, hostInBracketsThatIsNoAddressIsPassedOnWithoutThem) {
+    EXPECT_EQ(hostOf("[fe80::zz]"), "fe80::zz");
+    EXPECT_THAT(log.recordsOf(hostFunction), ElementsAreArray(unresolved(EAI_NONAME, "fe80::zz")));
 }
 
 TEST_F(ExportArgumentsContractTest, unresolvedHostsAreLoggedFromLevelFour) {
     resolver.setError("nowhere", EAI_NONAME);
-    expectRecordsFromLevel(
-        4, "sftp://nowhere/f",
-        warning("makeHostIPV6CompatiableIfHostIsIPV6",
-                std::string("Error in getaddrinfo: ") + gai_strerror(EAI_NONAME) + ", could not resolve host nowhere"));
+    expectRecordsFromLevel(4, "sftp://nowhere/f", unresolved(EAI_NONAME, "nowhere"));
 }
 
 // Messages for the operator.
@@ -337,21 +362,26 @@ TEST_F(ExportArgumentsContractTest, withoutThreadContextEveryMessageIsAnErrorRec
     Tev::LoggingWrapper::instance().set_level(7);
     forget();
     const Records nobody = error("addThreadContextMessage", "ThreadContext is null but SchemaMoService is started.");
-    EXPECT_EQ(exportTo(uri), 0);
-    EXPECT_THAT(log.records(), ElementsAreArray(nobody));
-    log.clear();
+    const auto expectNobody = [&](TevReturnT code, const std::string& calledDn, const std::string& destination,
+                                  const Records& before) {
+        log.clear();
+        parameters.uri.text = destination;
+        parameters.uri.cell.theString = parameters.uri.text.data();
+        EXPECT_EQ(act(calledDn, "export", parameters.array), code);
+        EXPECT_THAT(log.records(), ElementsAreArray(inOrder({before, nobody})));
+    };
+    expectNobody(0, dn, uri, {});
     runner.code = 17;
-    EXPECT_EQ(exportTo(uri), 17);
-    EXPECT_THAT(log.records(), ElementsAreArray(nobody));
-    log.clear();
-    EXPECT_EQ(exportTo("ftp://h/f"), -1);
-    EXPECT_THAT(log.records(),
-                ElementsAreArray(inOrder({error("processActionParameters", "Unsupported scheme ftp"), nobody})));
-    log.clear();
+    expectNobody(17, dn, uri, {});
+    expectNobody(-1, dn, "ftp://h/f", error("processActionParameters", "Unsupported scheme ftp"));
+    expectNobody(-1, dn, "sftp:", error("processActionParameters", "Got syntax exeption Bad URI syntax"));
+    expectNobody(-2, dnOf("Other"), uri, error("action", "Could not find schema for schemaId [Other] "));
+    std::filesystem::remove(file);
+    expectNobody(-1, dn, uri, error("action", "Fragment file does not exist: " + file));
     parameters.password.container.nrOfValues = 0;
-    EXPECT_EQ(act(dn, "export", parameters.array), -8);
-    EXPECT_THAT(log.records(), ElementsAreArray(inOrder({error("validateActionArguments", wrongSecond), nobody})));
+    expectNobody(-8, dn, uri, error("validateActionArguments", wrongSecond));
     EXPECT_THAT(host.messages(), IsEmpty());
+    folder.write("Mom.xml", "");
     runner.code = 0;
     expectRecordsFromLevel(3, uri, nobody);
 }

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -101,6 +102,12 @@ TEST_F(ExportContractTest, fileBehindADanglingLinkIsMissing) {
     expectInternalError(dnOf("Mom"), uri, -1, "Fragment file does not exist: " + file);
 }
 
+TEST_F(ExportContractTest, folderInThePlaceOfTheFileIsTheRunnersBusiness) {
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
+    EXPECT_EQ(argumentsOf(), plainArguments());
+}
+
 TEST_F(ExportContractTest, fileIsLookedForAtEachExport) {
     std::filesystem::remove(file);
     EXPECT_EQ(exportTo(uri), -1);
@@ -179,6 +186,7 @@ TEST_F(ExportContractTest, failureGivesTheRunnersCodeAndTellsItsReason) {
         EXPECT_TRUE(isResultUntouched());
     }
     EXPECT_THAT(host.messages(), SizeIs(8));
+    EXPECT_EQ(runner.executions, 8U);
     Tev::LoggingWrapper::instance().set_level(8);
     log.clear();
     EXPECT_EQ(resource().finish(txHandle), 0);
@@ -230,6 +238,15 @@ TEST_F(ExportContractTest, exceptionsOfTheRunnersReasonGoToTheCaller) {
     expectThrown([this] { exportTo(uri); });
 }
 
+TEST_F(ExportContractTest, exceptionsOfTheThreadContextGoToTheCaller) {
+    host.whenCalled("addMessage", [] { throw std::out_of_range("addMessage"); });
+    expectThrown([this] { exportTo(uri); });
+    runner.code = -1;
+    EXPECT_THROW(exportTo(uri), std::out_of_range);
+    EXPECT_THROW(exportTo("sftp:"), std::out_of_range);
+    EXPECT_THROW(exportOf(dnOf("Other")), std::out_of_range);
+}
+
 TEST_F(ExportContractTest, exceptionsOfTheFrameworkAndOfNoTypeGoToTheCallerToo) {
     runner.atExecution = [] { throw Tev::TevException(-5, "busy"); };
     EXPECT_THROW(exportTo(uri), Tev::TevException);
@@ -268,6 +285,28 @@ TEST_F(ExportContractTest, exportIsDoneInTheCallersThreadAndOthersReadMeanwhile)
     finish(other);
     mayEnd.set_value();
     EXPECT_EQ(code.get(), 0);
+}
+
+TEST_F(ExportContractTest, exportsOfTwoThreadsAreUnderWayAtOnce) {
+    std::promise<void> bothAreUnderWay;
+    const std::shared_future<void> both = bothAreUnderWay.get_future().share();
+    std::atomic<unsigned int> underWay = 0;
+    runner.atExecution = [&bothAreUnderWay, &both, &underWay] {
+        if (++underWay == 2) {
+            bothAreUnderWay.set_value();
+        }
+        const std::shared_future<void> mine = both;
+        EXPECT_EQ(mine.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    };
+    const auto exportIn = [this](unsigned long transaction) {
+        ExportParameters parameters(uri, "secret");
+        DalMoAttributeValueContainer* given = nullptr;
+        return objects().action(transaction, dnOf("Mom").c_str(), "export", parameters.array, &given);
+    };
+    std::future<TevReturnT> code = std::async(std::launch::async, exportIn, begin());
+    EXPECT_EQ(exportIn(begin()), 0);
+    EXPECT_EQ(code.get(), 0);
+    EXPECT_THAT(runner.constructed, ElementsAre(plainArguments(), plainArguments()));
 }
 
 // The thread context.

@@ -10,6 +10,7 @@
 #include "ExportParameters.h"
 #include "FakeResolver.h"
 #include "FakeRunner.h"
+#include "FakeTransaction.h"
 #include "TempFolder.h"
 
 namespace TevTest {
@@ -64,6 +65,7 @@ protected:
     const EnvironmentVariable configurationFolder{"TEV_CONFIG_DIR", folder.path().string()};
     FakeResolver resolver;
     FakeRunner runner;
+    FakeTransaction transactions;
     DalMoAttributeValueContainer untouched{};
     DalMoAttributeValueContainer* result = &untouched;
 };

@@ -18,6 +18,7 @@ struct FakeResolver::Hooks {
             std::memcmp(hints, &none, sizeof none) != 0) {
             throw std::logic_error("getaddrinfo was called in another way than expected");
         }
+        const std::lock_guard<std::mutex> lock(current->mutex);
         current->hosts.emplace_back(host);
         const auto answer = current->answers.find(host);
         if (answer == current->answers.end()) {
@@ -49,6 +50,7 @@ struct FakeResolver::Hooks {
     }
 
     static void take(addrinfo* list) {
+        const std::lock_guard<std::mutex> lock(current->mutex);
         static auto* const systems = reinterpret_cast<decltype(&freeaddrinfo)>(dlsym(RTLD_NEXT, "freeaddrinfo"));
         const auto ours = std::find_if(current->lists.begin(), current->lists.end(),
                                        [list](const std::vector<addrinfo>& given) { return given.data() == list; });

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <list>
 #include <map>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,7 @@ namespace TevTest {
 
 /// Takes the place of the system's `getaddrinfo` and `freeaddrinfo`, for the program and its libraries. While it lives
 /// it answers for the names that it was told; addresses in digits are the system's business, and nobody asks the
-/// network. There is one at a time, used by one thread.
+/// network. There is one at a time. It answers several threads; a test sets and reads it while none asks.
 class FakeResolver {
 public:
     FakeResolver();
@@ -46,6 +47,7 @@ private:
     };
 
     std::map<std::string, Answer> answers;
+    std::mutex mutex;  // held while what follows changes
     std::vector<std::string> hosts;
     std::vector<std::string> releases;
     std::list<std::vector<addrinfo>> lists;  // held

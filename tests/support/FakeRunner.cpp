@@ -49,9 +49,12 @@ SftpWrapper::SftpWrapper(const std::string& programPath, const std::string& user
                          const std::string& cipherList, const std::string& keyExchangeList, const std::string& macList,
                          long timeLimit, unsigned char dscpValue) {
     TevTest::doIfSet(FakeRunner::current().atConstruction);
-    FakeRunner::current().constructed.emplace_back(programPath, userPart, userPassword, hostName, portNumber,
-                                                   transferAction, file, remote, isDebug, cipherList, keyExchangeList,
-                                                   macList, timeLimit, dscpValue);
+    {
+        const std::lock_guard<std::mutex> lock(FakeRunner::current().mutex);
+        FakeRunner::current().constructed.emplace_back(programPath, userPart, userPassword, hostName, portNumber,
+                                                       transferAction, file, remote, isDebug, cipherList,
+                                                       keyExchangeList, macList, timeLimit, dscpValue);
+    }
     // The class has no destructor of its own, but this member goes with the object.
     ++FakeRunner::current().alive;
     settings = std::shared_ptr<TransferSettings>(nullptr, [](TransferSettings*) { --FakeRunner::current().alive; });
@@ -60,12 +63,13 @@ SftpWrapper::SftpWrapper(const std::string& programPath, const std::string& user
 TevReturnT SftpWrapper::execute() {
     TevTest::doIfSet(FakeRunner::current().atExecution);
     ++FakeRunner::current().executions;
+    errorMessage = FakeRunner::current().errorMessage;
     return FakeRunner::current().code;
 }
 
 std::string SftpWrapper::getErrorMessage() const {
     TevTest::doIfSet(FakeRunner::current().atErrorMessage);
-    return FakeRunner::current().errorMessage;
+    return errorMessage;
 }
 
 }  // namespace Tev

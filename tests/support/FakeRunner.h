@@ -1,7 +1,9 @@
 #ifndef FAKE_RUNNER_H
 #define FAKE_RUNNER_H
 
+#include <atomic>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -11,7 +13,8 @@
 namespace TevTest {
 
 /// Takes the place of `Tev::SftpWrapper` for the program and its libraries: writes down what it is given and transfers
-/// nothing. There is one at a time; a test sets it while no transfer is under way.
+/// nothing. There is one at a time. Runners may be used in several threads; a test sets and reads what is here while no
+/// transfer is under way, or in what an operation does.
 class FakeRunner {
 public:
     /// The fourteen arguments, in their order.
@@ -23,7 +26,7 @@ public:
     FakeRunner(const FakeRunner&) = delete;
     FakeRunner& operator=(const FakeRunner&) = delete;
 
-    /// What `execute` returns, and `getErrorMessage` after it.
+    /// What `execute` returns, and `getErrorMessage` of the same runner after it.
     TevReturnT code = 0;
     std::string errorMessage;
 
@@ -34,12 +37,13 @@ public:
 
     /// What each runner was constructed with.
     std::vector<Arguments> constructed;
+    std::mutex mutex;  ///< held while `constructed` grows
 
     /// How often a runner was executed.
-    unsigned int executions = 0;
+    std::atomic<unsigned int> executions = 0;
 
     /// How many runners there are at the moment.
-    unsigned int alive = 0;
+    std::atomic<unsigned int> alive = 0;
 
     /// The replacement's way in.
     static FakeRunner& current();

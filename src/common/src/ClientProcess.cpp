@@ -11,6 +11,7 @@
 #include <cstring>
 #include <system_error>
 
+#include "Deadline.h"
 #include "TevException.h"
 
 // The header of glibc 2.36 does not say that these are C.
@@ -33,7 +34,12 @@ struct Pipe {
         if (pipe2(ends, O_CLOEXEC) != 0) {
             throw std::system_error(errno, std::generic_category(), "no pipe");
         }
-        writeEnd = FileDescriptor(ends[1], "no pipe");
+        try {
+            writeEnd = FileDescriptor(ends[1], "no pipe");
+        } catch (...) {
+            close(ends[0]);
+            throw;
+        }
         readEnd = FileDescriptor(ends[0], "no pipe");
     }
 };
@@ -114,7 +120,8 @@ ClientProcess::ClientProcess(const std::vector<std::string>& words, const FileDe
     const int failure = posix_spawn(&pid, words[0].c_str(), &settings.actions, &settings.attributes,
                                     pointers(words).data(), pointers(environment).data());
     if (failure != 0) {
-        throw TevException("the SFTP client %s cannot be started: %s", words[0].c_str(),
+        throw TevException(failure == ENOMEM ? TevReturnNoMemory : TevReturnFailure,
+                           "the SFTP client %s cannot be started: %s", words[0].c_str(),
                            std::generic_category().message(failure).c_str());
     }
     input = std::move(in.writeEnd);
@@ -147,16 +154,12 @@ void ClientProcess::interrupt() const {
     pidfd_send_signal(handle.get(), SIGINT, nullptr, 0);
 }
 
-bool ClientProcess::hasEnded() const {
-    return hasEndedWithin(0);
-}
-
-bool ClientProcess::hasEndedWithin(int milliseconds) const noexcept {
+bool ClientProcess::hasEnded() const noexcept {
     if (handle.get() < 0) {
         return true;
     }
     pollfd waiting{handle.get(), POLLIN, 0};
-    return TEMP_FAILURE_RETRY(poll(&waiting, 1, milliseconds)) > 0;
+    return TEMP_FAILURE_RETRY(poll(&waiting, 1, 0)) > 0;
 }
 
 void ClientProcess::end() noexcept {
@@ -169,10 +172,14 @@ void ClientProcess::end() noexcept {
     const auto isOurs = [&] {
         return waitid(P_PID, static_cast<id_t>(pid), &ignored, WEXITED | WNOHANG | WNOWAIT) == 0;
     };
-    if (!hasEndedWithin(0) && isOurs()) {
+    if (!hasEnded() && isOurs()) {
         // Asked to leave, the client waits for the process that it has started; killed, it would leave that to others.
         kill(-pid, SIGTERM);
-        hasEndedWithin(timeToLeave);
+        const Deadline end(timeToLeave);
+        while (!hasEnded() && !end.hasPassed()) {
+            pollfd waiting{handle.get(), POLLIN, 0};
+            poll(&waiting, 1, end.timeLeft(timeToLeave));
+        }
     }
     if (isOurs()) {
         kill(-pid, SIGKILL);

@@ -31,9 +31,9 @@ public:
     /// Readable once the process has ended; -1 when it had ended at once.
     const FileDescriptor& ending() const { return handle; }
 
-    bool hasEnded() const;
+    bool hasEnded() const noexcept;
 
-    /// Sends SIGINT to the client: it leaves the command that it carries out.
+    /// Sends SIGINT to the client: it leaves the command that it carries out; between two commands it ends.
     void interrupt() const;
 
     /// Ends the client and what it has started, within about 0.1 s.
@@ -41,7 +41,6 @@ public:
 
 private:
     void openHandle();
-    bool hasEndedWithin(int milliseconds) const noexcept;
 
     pid_t pid = -1;
     FileDescriptor handle;

@@ -31,6 +31,14 @@ int Deadline::timeLeft(int limit) const {
     return static_cast<int>(std::min<long long>(left, limit));
 }
 
+Deadline Deadline::later(int milliseconds) const {
+    Deadline result = *this;
+    if (end != Clock::time_point::max()) {
+        result.end += std::chrono::milliseconds(milliseconds);
+    }
+    return result;
+}
+
 Deadline Deadline::earlier(const Deadline& one, const Deadline& other) {
     return one.end < other.end ? one : other;
 }

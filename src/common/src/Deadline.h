@@ -16,6 +16,9 @@ public:
     /// The time left, in milliseconds rounded up, but at most `limit`.
     int timeLeft(int limit) const;
 
+    /// The moment `milliseconds` after this one.
+    Deadline later(int milliseconds) const;
+
     /// The earlier of the two.
     static Deadline earlier(const Deadline& one, const Deadline& other);
 

@@ -44,9 +44,25 @@ void make(const fs::path& folder) {
     fs::path part;
     for (const fs::path& name : folder) {
         part /= name;
-        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST && !fs::is_directory(part)) {
-            throw fs::filesystem_error("mkdir", part, std::error_code(errno, std::generic_category()));
+        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) {
+            const std::error_code reason(errno, std::generic_category());
+            std::error_code ignored;
+            if (!fs::is_directory(part, ignored)) {
+                throw fs::filesystem_error("mkdir", part, reason);
+            }
         }
+    }
+}
+
+/// Has the system set aside what a line needs behind the file's end, where it can do that: the client does not notice
+/// that the disk is full. The file stays as it is, whoever writes to it meanwhile.
+void setRoomAside(const FileDescriptor& opened) {
+    constexpr off_t room = 4096;
+    struct stat status {};
+    if (fstat(opened.get(), &status) != 0 ||
+        (TEMP_FAILURE_RETRY(fallocate(opened.get(), FALLOC_FL_KEEP_SIZE, status.st_size, room)) != 0 &&
+         errno != EOPNOTSUPP)) {
+        throw std::system_error(errno, std::generic_category(), "no room");
     }
 }
 
@@ -71,9 +87,18 @@ KnownHosts::KnownHosts() {
         make(folder);
         const FileDescriptor opened(open(file.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, 0600),
                                     "open");
+        setRoomAside(opened);
     } catch (const std::system_error& error) {
         throw TevException("%s, where host keys are remembered, cannot be written: %s", file.c_str(),
                            error.code().message().c_str());
+    }
+}
+
+void KnownHosts::checkKeyIsKept() const {
+    struct stat status {};
+    if (stat(file.c_str(), &status) != 0 || status.st_size == 0) {
+        throw TevException("%s, where host keys are remembered, is empty: the server's key was not written",
+                           file.c_str());
     }
 }
 

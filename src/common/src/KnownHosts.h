@@ -9,9 +9,12 @@ namespace Tev {
 /// `$TEV_STATE_DIR`; else for root `/var/lib/tev`; else `$XDG_STATE_HOME/tev`, else `~/.local/state/tev`.
 class KnownHosts {
 public:
-    /// Makes the folder (mode 0700) and the file where they are missing. Throws TevException when the file cannot be
-    /// written, for the client would then trust any key and say nothing.
+    /// Makes the folder (mode 0700) and the file where they are missing. Throws TevException when no line can be added
+    /// to the file, for the client would then trust any key and say nothing.
     KnownHosts();
+
+    /// Throws TevException when the file holds nothing, although the client is connected by now.
+    void checkKeyIsKept() const;
 
     /// Absolute.
     const std::string& path() const { return file; }

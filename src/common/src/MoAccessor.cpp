@@ -102,7 +102,7 @@ const DalMoAttributeValue& MoAccessor::getSingleValue(std::int32_t type, const s
         const TevException sequence("Attribute is a sequence: %s::%s", dn.c_str(), attrName.c_str());
         if (log.get_level() >= 3) {
             log.log_printf(getAttrFunction, 3, 1, "%s", sequence.what());
-            log.trace_v2_printf(Trace::Common, 3, sourceFile, getAttrFunction, __LINE__, "%s", sequence.what());
+            log.trace_v2_printf(Trace::Schema, 3, sourceFile, getAttrFunction, __LINE__, "%s", sequence.what());
         }
         throw sequence;
     }

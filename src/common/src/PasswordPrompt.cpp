@@ -2,21 +2,25 @@
 
 namespace Tev {
 
-bool PasswordPrompt::read(std::string_view bytes) {
-    // A lone carriage return comes before the client is ready.
-    bool isQuestion = false;
+void PasswordPrompt::read(std::string_view bytes) {
     for (const char character : bytes) {
         const bool isBreak = character == '\r' || character == '\n';
-        if (!isAnswered && !isBreak) {
-            isAnswered = true;
-            isQuestion = true;
-        } else if (isAnswered && character == '\n') {
-            isLineOver = true;
-        } else if (isLineOver && !isBreak) {
+        // The client confirms the answer with a newline, and begins each question with a carriage return.
+        isSecond = isSecond || (isAnswered && last == '\n' && character == '\r');
+        if (isSecond && !isBreak) {
             second += character;
         }
+        last = character;
     }
-    return isQuestion;
+}
+
+bool PasswordPrompt::takeQuestion() {
+    // A lone carriage return comes before the client is ready, and a line's end before a further line.
+    if (isAnswered || last == '\r' || last == '\n') {
+        return false;
+    }
+    isAnswered = true;
+    return true;
 }
 
 }  // namespace Tev

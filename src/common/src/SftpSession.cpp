@@ -9,54 +9,70 @@
 #include <string_view>
 
 #include "ClientCommandLine.h"
+#include "Deadline.h"
 #include "SigpipeGuard.h"
-#include "TransferInterruption.h"
 
 namespace Tev {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 // The client answers this command by itself, with a line that begins like that.
 const char* const marker = "version\n";
 constexpr std::string_view markerAnswer = "SFTP protocol version";
 
-constexpr int pollSlice = 100;      // milliseconds, after which an interruption is seen
-constexpr int timeToCleanUp = 750;  // milliseconds
-constexpr int timeToLeave = 300;    // milliseconds
+// Before a command the client writes what it is going to do.
+constexpr std::string_view echo = "sftp> ";
+constexpr std::string_view markerEcho = "sftp> version";
+
+constexpr int pollSlice = 100;    // milliseconds, after which an interruption is seen
+constexpr int timeToLeave = 300;  // milliseconds
 
 /// The time that the client itself gives to a connection: more than ours, so that a whole second ends nothing early.
 /// When we set none, it still ends with a server that says nothing.
-int connectSeconds(const TransferSettings& settings, const Deadline& deadline) {
+int connectSeconds(const TransferSettings& settings, TransferTime& time) {
     constexpr int withoutTimeout = 120;
-    return settings.timeout > 0 ? deadline.timeLeft(INT_MAX - 1000) / 1000 + 1 : withoutTimeout;
+    return settings.timeout > 0 ? time.timeLeft(INT_MAX - 1000) / 1000 + 1 : withoutTimeout;
 }
 
-/// Gives what there is to read to `take`, piece by piece. Returns false at the end of the stream.
+/// Gives what there is to read to `take`, piece by piece, but no more than a pipe holds: the client may write faster
+/// than we read. Returns false at the end of the stream.
 template <class Take>
-bool readAll(const FileDescriptor& descriptor, Take take) {
+bool readSome(const FileDescriptor& descriptor, Take take) {
+    constexpr std::size_t mostBytes = 65536;
     char buffer[4096];
-    for (;;) {
+    for (std::size_t total = 0; total < mostBytes;) {
         const ssize_t count = TEMP_FAILURE_RETRY(read(descriptor.get(), buffer, sizeof buffer));
         if (count <= 0) {
             return count < 0 && errno == EAGAIN;
         }
         take(std::string_view(buffer, static_cast<std::size_t>(count)));
+        total += static_cast<std::size_t>(count);
     }
+    return true;
 }
 
 }  // namespace
 
 SftpSession::SftpSession(const TransferSettings& checkedSettings, const KnownHosts& knownHosts,
-                         const FileDescriptor& file, const Deadline& deadline)
+                         const FileDescriptor& file, TransferTime& transferTime)
     : settings(checkedSettings),
-      limit(deadline),
-      client(clientCommandLine(settings, knownHosts.option(), connectSeconds(settings, deadline)), file, terminal),
+      time(transferTime),
+      client(clientCommandLine(settings, knownHosts.option(), connectSeconds(settings, time)), file, terminal),
       words(settings.debug) {}
 
 bool SftpSession::connect() {
     send(marker);
-    isConnected = answers();
+    const bool isConnected = answers();
+    // A command that was begun leaves something behind.
+    isToCleanUp = true;
     return isConnected;
+}
+
+bool SftpSession::connectToCleanUp() {
+    isToCleanUp = true;
+    return connect();
 }
 
 bool SftpSession::run(const std::string& command) {
@@ -64,11 +80,17 @@ bool SftpSession::run(const std::string& command) {
     return answers();
 }
 
+bool SftpSession::runUntilStop(const std::string& command) {
+    isInterruptible = true;
+    const bool isAnswered = run(command);
+    isInterruptible = false;
+    return isAnswered;
+}
+
 bool SftpSession::answers() {
     ++answersMissing;
     while (answersMissing > 0) {
-        noticeStop();
-        const bool isOver = reason != Stop::None && (!isConnected || limit.hasPassed());
+        const bool isOver = hasToEnd();
         // Seen before the last words are read, so that none is missed.
         const bool hasEnded = client.hasEnded();
         if (!isOver && !hasEnded) {
@@ -77,6 +99,7 @@ bool SftpSession::answers() {
         readTerminal();
         readOutput();
         readError();
+        interruptCommand();
         if (isOver || (hasEnded && answersMissing > 0)) {
             client.end();
             return false;
@@ -85,22 +108,16 @@ bool SftpSession::answers() {
     return true;
 }
 
-void SftpSession::noticeStop() {
-    if (reason != Stop::None) {
-        return;
-    }
-    if (TransferInterruption::isRequested()) {
-        reason = Stop::Interrupted;
-    } else if (limit.hasPassed()) {
-        reason = Stop::TimedOut;
-    } else if (!prompt.secondQuestion().empty()) {
-        reason = Stop::QuestionAgain;
-    } else {
-        return;
-    }
-    limit = Deadline(timeToCleanUp);
-    if (isConnected) {
+bool SftpSession::hasToEnd() {
+    return !prompt.secondQuestion().empty() || (isToCleanUp ? time.isOver() : time.stop() != TransferTime::Stop::None);
+}
+
+/// A signal ends a client that is not in the midst of a command; so it is sent right after reading what the client
+/// does.
+void SftpSession::interruptCommand() {
+    if (isInterruptible && isCommandUnderWay && time.stop() != TransferTime::Stop::None) {
         client.interrupt();
+        isInterruptible = false;
     }
 }
 
@@ -115,20 +132,18 @@ void SftpSession::waitForWords() {
                         {client.output.get(), POLLIN, 0},
                         {client.error.get(), POLLIN, 0},
                         {isTerminalOpen ? terminal.descriptor().get() : -1, POLLIN, 0}};
-    poll(waiting, std::size(waiting), limit.timeLeft(pollSlice));
+    poll(waiting, std::size(waiting), time.timeLeft(pollSlice));
 }
 
 void SftpSession::readOutput() {
-    const bool isOpen = readAll(client.output, [this](std::string_view bytes) {
+    const bool isOpen = readSome(client.output, [this](std::string_view bytes) {
         for (const char character : bytes) {
-            if (character != '\n') {
-                if (outputLine.size() < markerAnswer.size()) {
-                    outputLine += character;
-                }
-                continue;
+            if (character == '\n') {
+                readOutputLine();
+                outputLine.clear();
+            } else if (outputLine.size() < markerAnswer.size()) {
+                outputLine += character;
             }
-            answersMissing -= outputLine == markerAnswer ? 1 : 0;
-            outputLine.clear();
         }
     });
     if (!isOpen) {
@@ -136,31 +151,38 @@ void SftpSession::readOutput() {
     }
 }
 
+void SftpSession::readOutputLine() {
+    if (outputLine == markerAnswer) {
+        --answersMissing;
+    } else if (outputLine.compare(0, echo.size(), echo) == 0) {
+        isCommandUnderWay = outputLine != markerEcho;
+    }
+}
+
 void SftpSession::readError() {
-    if (!readAll(client.error, [this](std::string_view bytes) { words.add(bytes); })) {
+    if (!readSome(client.error, [this](std::string_view bytes) { words.add(bytes); })) {
         client.error.close();
     }
 }
 
 void SftpSession::readTerminal() {
-    bool isQuestion = false;
     if (isTerminalOpen) {
-        isTerminalOpen = readAll(terminal.descriptor(),
-                                 [&](std::string_view bytes) { isQuestion = prompt.read(bytes) || isQuestion; });
+        isTerminalOpen = readSome(terminal.descriptor(), [this](std::string_view bytes) { prompt.read(bytes); });
     }
-    if (isQuestion) {
-        const std::string answer = settings.password + '\n';
-        [[maybe_unused]] const ssize_t written =
-            TEMP_FAILURE_RETRY(write(terminal.descriptor().get(), answer.data(), answer.size()));
+    if (prompt.takeQuestion()) {
+        for (const std::string_view part : {std::string_view(settings.password), "\n"sv}) {
+            [[maybe_unused]] const ssize_t written =
+                TEMP_FAILURE_RETRY(write(terminal.descriptor().get(), part.data(), part.size()));
+        }
     }
 }
 
 void SftpSession::leave() {
-    const Deadline end = Deadline::earlier(limit, Deadline(timeToLeave));
+    const Deadline end(timeToLeave);
     client.input.close();
-    while (!client.hasEnded() && !end.hasPassed()) {
+    while (!client.hasEnded() && !end.hasPassed() && !time.isOver()) {
         pollfd waiting{client.ending().get(), POLLIN, 0};
-        poll(&waiting, 1, end.timeLeft(timeToLeave));
+        poll(&waiting, 1, time.timeLeft(end.timeLeft(timeToLeave)));
     }
     client.end();
 }

@@ -1,9 +1,10 @@
 #ifndef TEV_SFTP_UPLOAD_H
 #define TEV_SFTP_UPLOAD_H
 
+#include <sys/stat.h>
+
 #include <string>
 
-#include "Deadline.h"
 #include "FileDescriptor.h"
 #include "KnownHosts.h"
 #include "RemoteFile.h"
@@ -11,6 +12,7 @@
 #include "TevException.h"
 #include "TransferFailure.h"
 #include "TransferSettings.h"
+#include "TransferTime.h"
 
 namespace Tev {
 
@@ -28,16 +30,20 @@ public:
     void run();
 
 private:
-    enum class Removal { Done, NotThere, Failed };
+    enum class Removal { Done, NotThere, Failed, NotAnswered };
 
-    TevException stopped(const SftpSession& session) const;
-    TevException withRest(const TevException& failure, Removal removal) const;
-    Removal remove(SftpSession& session) const;
-    Removal removeAnew() const;
+    bool hasLocalChanged() const;
+    TevException notConnected(SftpSession& session);
+    TevException stopped();
+    TevException withRest(const TevException& reason, Removal removal) const;
+    Removal remove(SftpSession& session);
+    Removal removeAnew();
+    Removal removeOver(SftpSession& session) const;
 
-    Deadline deadline;
+    TransferTime time;
     TransferSettings settings;
     RemoteFile remote;
+    struct stat localBefore {};
     FileDescriptor local;
     KnownHosts knownHosts;
     TransferFailure failure;

@@ -17,6 +17,15 @@ public:
     /// `settings` have been checked. All arguments must outlive the object.
     TransferFailure(const TransferSettings& settings, const KnownHosts& knownHosts, const std::string& remotePath);
 
+    /// Whether the client says that a command failed. Other lines are the server's.
+    static bool isIn(const std::vector<std::string>& words);
+
+    /// Whether the server has not even opened the file that was to be sent.
+    static bool isNotOpened(const std::vector<std::string>& words);
+
+    /// Whether the server has no file to be removed.
+    static bool isNotThere(const std::vector<std::string>& words);
+
     /// The client ended before it was connected.
     TevException ofConnection(const std::vector<std::string>& words) const;
 
@@ -33,6 +42,7 @@ private:
     struct Row;
 
     TevException find(const std::vector<Row>& rows, const std::vector<std::string>& words) const;
+    static bool matches(const Row& row, const std::string& line);
     std::string filled(const std::string& sentence, const std::string& line) const;
 
     const TransferSettings& settings;

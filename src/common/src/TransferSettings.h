@@ -1,6 +1,7 @@
 #ifndef TEV_TRANSFER_SETTINGS_H
 #define TEV_TRANSFER_SETTINGS_H
 
+#include <cstring>
 #include <string>
 
 namespace Tev {
@@ -21,6 +22,9 @@ struct TransferSettings {
     std::string macs;
     long timeout;
     unsigned char dscp;
+
+    /// Overwrites the password in memory.
+    ~TransferSettings() { explicit_bzero(password.data(), password.size()); }
 
     /// The same settings in the form in which the client takes them: the user decoded, the port empty where the client
     /// is to choose it, a name as host without brackets. No part of them can be taken for an option, a second command

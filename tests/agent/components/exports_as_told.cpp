@@ -25,18 +25,18 @@ static TevReturnT actAsTold(unsigned long, const char* dn, const char* name, Dal
     std::puts("");
     std::fflush(stdout);
     const std::string uri = (*(parameters - 2))->values->theString;
-    if (uri == "sftp://throws/") {
+    if (uri == "sftp://throws/p") {
         throw 42;
     }
-    isWanted = uri != "sftp://unwanted/";
-    if (uri == "sftp://silent/") {
+    isWanted = uri != "sftp://unwanted/p";
+    if (uri == "sftp://silent/p") {
         return -13;
     }
-    if (uri == "sftp://fails/") {
+    if (uri == "sftp://fails/p") {
         post("SFTP error: nobody is there");
         return -1;
     }
-    if (uri != "sftp://quiet/") {
+    if (uri != "sftp://quiet/p") {
         post("File transfer successful");
     }
     *result = &nothing;
