@@ -114,7 +114,7 @@ std::string faultOfOffers(const std::string& who, const DalMgmtSpiComponent_2& c
     bool hasObjects = false;
     bool hasResource = false;
     for (DalMgmtSpiInterface_1** entry = component.interfaceArray; *entry != nullptr; ++entry) {
-        const std::string fault = faultOfOffer(who, component.base.componentName, **entry);
+        std::string fault = faultOfOffer(who, component.base.componentName, **entry);
         if (!fault.empty()) {
             return fault;
         }

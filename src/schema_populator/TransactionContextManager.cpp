@@ -27,7 +27,7 @@ void TransactionContextManager::addMemory(unsigned long txHandle, void* block) {
     Block unregistered(block);
     const Lock lock(mutex);
     transactionContexts[txHandle].memoryBlocks.push_back(block);
-    unregistered.release();
+    static_cast<void>(unregistered.release());
 }
 
 void* TransactionContextManager::getNewIteratorHandle(unsigned long txHandle) {
@@ -36,7 +36,7 @@ void* TransactionContextManager::getNewIteratorHandle(unsigned long txHandle) {
     Block unregistered(std::malloc(iteratorBlockSize));
     void* const itHandle = unregistered.get();
     context.memoryBlocks.push_back(itHandle);
-    unregistered.release();
+    static_cast<void>(unregistered.release());
     context.iteratorHandles.push_back(itHandle);
     iteratorContexts[itHandle] = {0, txHandle};
     return itHandle;

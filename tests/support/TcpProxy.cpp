@@ -7,6 +7,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -110,25 +112,18 @@ void TcpProxy::acceptAll() {
 }
 
 int TcpProxy::readTrafficClass(int client) const {
-    alignas(cmsghdr) char buffer[256];
-    socklen_t length = sizeof buffer;
-    if (getsockopt(client, isIpv6 ? IPPROTO_IPV6 : IPPROTO_IP, isIpv6 ? IPV6_2292PKTOPTIONS : IP_PKTOPTIONS, buffer,
-                   &length) != 0) {
+    std::array<int, 64> words{};
+    socklen_t length = sizeof words;
+    if (getsockopt(client, isIpv6 ? IPPROTO_IPV6 : IPPROTO_IP, isIpv6 ? IPV6_2292PKTOPTIONS : IP_PKTOPTIONS,
+                   words.data(), &length) != 0) {
         return -1;
     }
-    msghdr message{};
-    message.msg_control = buffer;
-    message.msg_controllen = length;
-    for (cmsghdr* header = CMSG_FIRSTHDR(&message); header != nullptr; header = CMSG_NXTHDR(&message, header)) {
-        // One is a byte, the other an int whose value is below 256.
-        if (!isIpv6 && header->cmsg_type == IP_TOS) {
-            return *CMSG_DATA(header);
-        }
-        if (isIpv6 && header->cmsg_type == IPV6_TCLASS) {
-            return *reinterpret_cast<int*>(CMSG_DATA(header));
-        }
-    }
-    return -1;
+    // Not as headers: for IPv6 Linux gives a 32-bit program those of 64 bit. Level, type and value follow each other in
+    // both; the value is a byte, or an int below 256.
+    const std::array<int, 2> kind = {isIpv6 ? IPPROTO_IPV6 : IPPROTO_IP, isIpv6 ? IPV6_TCLASS : IP_TOS};
+    const int* const end = words.data() + length / sizeof(int);
+    const int* const found = std::search<const int*>(words.data(), end, kind.begin(), kind.end());
+    return end - found > 2 ? found[2] & 0xFF : -1;
 }
 
 int TcpProxy::connectToTarget() const {

@@ -93,6 +93,7 @@ private:
 
 std::vector<char*> pointers(const std::vector<std::string>& words) {
     std::vector<char*> list;
+    list.reserve(words.size() + 1);
     for (const std::string& word : words) {
         list.push_back(const_cast<char*>(word.c_str()));
     }

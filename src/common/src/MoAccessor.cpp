@@ -45,7 +45,7 @@ std::string firstBelow(const DalOamSpiManagedObject_1& objects, unsigned long tx
             return "";
         }
         if (code == TevReturnOk) {
-            const std::string found = firstBelow(objects, txHandle, classPath + "=" + key, next + 1, end);
+            std::string found = firstBelow(objects, txHandle, classPath + "=" + key, next + 1, end);
             if (!found.empty()) {
                 return found;
             }
