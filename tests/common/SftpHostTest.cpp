@@ -212,6 +212,16 @@ TEST_F(SftpHostTest, emptyEnvironment) {
     });
 }
 
+/// Whether the kernel gives a process a user namespace: in a chroot it does not.
+bool hasUserNamespaces() {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(unshare(CLONE_NEWUSER) == 0 ? 0 : 1);
+    }
+    int status = 0;
+    return waitpid(child, &status, 0) == child && status == 0;
+}
+
 /// A new world for the calling process, in which it may mount; it keeps its user and group.
 void enterOwnMounts(uid_t seenAs) {
     const uid_t uid = geteuid();
@@ -225,6 +235,9 @@ void enterOwnMounts(uid_t seenAs) {
 }
 
 TEST_F(SftpHostTest, usersOwnConfigurationOfTheClientIsNotRead) {
+    if (!hasUserNamespaces()) {
+        GTEST_SKIP() << "The home folder can only be replaced in a user namespace, and the kernel gives none here";
+    }
     const std::string canary = local.path() / "canary";
     std::filesystem::create_directory(local.path() / ".ssh");
     local.write(".ssh/config", "ProxyCommand touch " + canary + "\n");
@@ -244,8 +257,17 @@ TEST_F(SftpHostTest, usersOwnConfigurationOfTheClientIsNotRead) {
 
 TEST_F(SftpHostTest, userWithoutAnAccountIsTold) {
     const SftpServer server;
+    const auto loseAccount = [this] {
+        constexpr uid_t unknown = 54399;
+        if (geteuid() != 0) {
+            enterOwnMounts(unknown);
+        } else if (chown(state.path().c_str(), unknown, unknown) != 0 ||
+                   chown(local.path().c_str(), unknown, unknown) != 0 || setgid(unknown) != 0 || setuid(unknown) != 0) {
+            throw std::system_error(errno, std::generic_category(), "setuid");
+        }
+    };
     EXPECT_EQ(
-        transferTo(server).runInChild([] { enterOwnMounts(54399); }),
+        transferTo(server).runInChild(loseAccount),
         (TransferOutcome{-1, "no connection to 127.0.0.1, port " + server.port() + ": No user exists for uid 54399"}));
 }
 
@@ -253,15 +275,21 @@ TEST_F(SftpHostTest, userWithoutAnAccountIsTold) {
 TEST_F(SftpHostTest, fullDiskUnderTheStateFolderIsTold) {
     const SftpServer server;
     const std::string file = state.path() / "known_hosts";
+    const bool isSeenByAll = !hasUserNamespaces();  // what is mounted; only root may do that then
     EXPECT_EQ(
         transferTo(server).runInChild([&] {
-            enterOwnMounts(geteuid());
+            if (!isSeenByAll) {
+                enterOwnMounts(geteuid());
+            }
             if (mount("none", state.path().c_str(), "tmpfs", 0, "size=65536") != 0) {
                 throw std::system_error(errno, std::generic_category(), "mount");
             }
             std::ofstream(state.path() / "other") << std::string(65536, 'x');  // as much as there is room for
         }),
         (TransferOutcome{-1, file + ", where host keys are remembered, cannot be written: No space left on device"}));
+    if (isSeenByAll) {
+        EXPECT_EQ(umount(state.path().c_str()), 0);
+    }
     EXPECT_THAT(server.names(), IsEmpty());
 }
 
