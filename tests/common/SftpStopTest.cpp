@@ -84,7 +84,7 @@ protected:
         waitUntil([&] { return std::filesystem::exists(local.path() / "held"); });
     }
 
-    /// Once the transfer has seen that it has to stop.
+    /// Once the transfer has seen that it has to stop: it looks every 0.1 s, and nothing outside tells that it has.
     void release() const {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         local.write("released", "");
