@@ -192,7 +192,6 @@ TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoB
         setting.terminal = terminal.path();
         AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
         terminal.waitFor("Password: ");
-        terminal.type("half");
         agent.send(signal);
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
@@ -208,8 +207,9 @@ TEST_F(ExportTest, anInterruptTypedOnTheTerminalIsOneToo) {
     setting.terminal = terminal.path();
     AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
-    terminal.type("\x03");
+    terminal.type("half\x03");
     EXPECT_EQ(agent.outcome().status, 130);
+    EXPECT_EQ(terminal.shown(), "Password: \r\n");
 }
 
 // A shell turns the echo on when a program has stopped, so that the rest of the password was shown; a quit left the

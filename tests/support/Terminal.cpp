@@ -49,8 +49,13 @@ const std::string& Terminal::waitFor(const std::string& expected) {
 }
 
 const std::string& Terminal::shown() {
-    while (readMore(0)) {
+    // The kernel hands on later what a program wrote: all of it is here once what is written after it is.
+    const char mark = '\x1e';
+    if (write(program, &mark, 1) != 1) {
+        throw std::system_error(errno, std::generic_category(), name);
     }
+    waitFor(std::string(1, mark));
+    text.erase(text.find(mark), 1);
     return text;
 }
 
@@ -65,15 +70,13 @@ void Terminal::setWidth(unsigned short columns) const {
     ioctl(program, TIOCSWINSZ, &size);
 }
 
-bool Terminal::readMore(int milliseconds) {
+void Terminal::readMore(int milliseconds) {
     pollfd output{user, POLLIN, 0};
-    if (poll(&output, 1, milliseconds) != 1) {
-        return false;
+    if (poll(&output, 1, milliseconds) == 1) {
+        std::array<char, 4096> block{};
+        const ssize_t count = read(user, block.data(), block.size());
+        text.append(block.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
     }
-    std::array<char, 4096> block{};
-    const ssize_t count = read(user, block.data(), block.size());
-    text.append(block.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
-    return count > 0;
 }
 
 }  // namespace TevTest

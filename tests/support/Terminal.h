@@ -26,7 +26,7 @@ public:
     /// it does not appear within a minute.
     const std::string& waitFor(const std::string& text);
 
-    /// All that was shown so far.
+    /// All that was shown so far. Throws as waitFor does.
     const std::string& shown();
 
     /// Whether what is typed is shown.
@@ -35,8 +35,8 @@ public:
     void setWidth(unsigned short columns) const;
 
 private:
-    /// Waits up to that long for something to be shown, and reads it. Returns whether there was any.
-    bool readMore(int milliseconds);
+    /// Waits up to that long for something to be shown, and reads it.
+    void readMore(int milliseconds);
 
     int user = -1;
     int program = -1;
