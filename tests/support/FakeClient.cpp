@@ -49,8 +49,10 @@ std::string FakeClient::option(const std::string& name) const {
 
 }  // namespace TevTest
 
-__attribute__((visibility("default"))) int posix_spawn(pid_t* pid, const char* path, const posix_spawn_file_actions_t* actions,
-                const posix_spawnattr_t* attributes, char* const words[], char* const environment[]) {
+__attribute__((visibility("default"))) int posix_spawn(pid_t* pid, const char* path,
+                                                       const posix_spawn_file_actions_t* actions,
+                                                       const posix_spawnattr_t* attributes, char* const words[],
+                                                       char* const environment[]) {
     static auto* const systems = reinterpret_cast<decltype(&posix_spawn)>(dlsym(RTLD_NEXT, "posix_spawn"));
     const bool isClient = !TevTest::script.empty() && std::strcmp(path, "/usr/bin/sftp") == 0;
     return systems(pid, isClient ? TevTest::script.c_str() : path, actions, attributes, words, environment);
