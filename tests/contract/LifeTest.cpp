@@ -51,7 +51,8 @@ Life LifeTest::live() {
     forget();
     Life life;
     takeCall(life, "init", [this] { return init(configuration.c_str()); });
-    take(life, "start", [this] { return call("start", [this] { return start(); }); }, [this] { expectNotStarted(); });
+    take(
+        life, "start", [this] { return call("start", [this] { return start(); }); }, [this] { expectNotStarted(); });
     const DalOamSpiTransactionalResource_2& table = resource();
     takeCall(life, "join", [&] { return table.join(txHandle); });
     take(life, "list", [this] { return list(); });
@@ -111,7 +112,8 @@ TevReturnT LifeTest::list() {
     keys.clear();
     const DalOamSpiManagedObject_1& table = objects();
     void* iterator = nullptr;
-    TevReturnT code = call("newMoIterator", [&] { return table.newMoIterator(txHandle, parentDn, "Schema", &iterator); });
+    TevReturnT code =
+        call("newMoIterator", [&] { return table.newMoIterator(txHandle, parentDn, "Schema", &iterator); });
     EXPECT_EQ(iterator == nullptr, code != 0);
     for (char* key = nullptr; code == 0;) {
         code = call("nextMo", [&] { return table.nextMo(iterator, &key); });
@@ -128,8 +130,8 @@ TevReturnT LifeTest::read(Life& life, const std::string& key, const char* attrib
     const std::string dn = dnOf(key);
     const DalOamSpiManagedObject_1& table = objects();
     DalMoAttributeValueContainer* container = nullptr;
-    const TevReturnT code =
-        call("read " + key + " " + attribute, [&] { return table.getMoAttribute(txHandle, dn.c_str(), attribute, &container); });
+    const TevReturnT code = call("read " + key + " " + attribute,
+                                 [&] { return table.getMoAttribute(txHandle, dn.c_str(), attribute, &container); });
     EXPECT_EQ(container == nullptr, code != 0);
     Values values;
     for (std::uint32_t i = 0; container != nullptr && i < container->nrOfValues; ++i) {

@@ -14,9 +14,9 @@ namespace TevTest {
 /// What a host sees of a component's life: the outcome of each step, by name.
 using Life = std::map<std::string, std::string>;
 
-/// A host and whole lives of the component in it, from `dalLCMinit` to `dalLCMterminate`, in which the model "Full", which
-/// has everything, and the model "Plain", which has nothing, are listed and read, and "Full" is exported. The host tries
-/// a step that fails once more.
+/// A host and whole lives of the component in it, from `dalLCMinit` to `dalLCMterminate`, in which the model "Full",
+/// which has everything, and the model "Plain", which has nothing, are listed and read, and "Full" is exported. The
+/// host tries a step that fails once more.
 class LifeTest : public ContractTest {
 protected:
     static constexpr const char* sshDn = "ManagedElement=1,SystemFunctions=1,SecM=1,Ssh=1";
@@ -24,8 +24,8 @@ protected:
     LifeTest();
     ~LifeTest() override;
 
-    /// Lives a life. What has to succeed whatever fails is expected here, a step's second attempt above all; the records
-    /// and calls are those of this life.
+    /// Lives a life. What has to succeed whatever fails is expected here, a step's second attempt above all; the
+    /// records and calls are those of this life.
     Life live();
 
     /// The texts of the errors and warnings of the life.
@@ -36,12 +36,11 @@ protected:
 
     using Step = std::function<TevReturnT()>;
 
-    /// Calls an entry point in the step `name`, a listing being the steps "newMoIterator" and "nextMo" here. Whatever is
-    /// to fail in the component does so in this call.
+    /// Calls an entry point in the step `name`, a listing being the steps "newMoIterator" and "nextMo" here. Whatever
+    /// is to fail in the component does so in this call.
     virtual TevReturnT call(const std::string& name, const Step& entryPoint);
 
 private:
-
     /// Carries out a step and notes its code; after a failure does `between`, and the step again.
     static void take(Life& life, const std::string& name, const Step& step, const std::function<void()>& between = {});
 

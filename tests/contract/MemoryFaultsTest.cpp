@@ -22,7 +22,8 @@ constexpr TevReturnT badAlloc = 1000;  // stands in a life for the exception
 bool isChecked(const std::string& step) {
     static const std::set<std::string> unchecked = {"read Full selectedModelOptions", "read Plain baseModelIdentifier",
                                                     "read Plain baseModelVersion", "read Plain selectedModelOptions"};
-    return step == "nextMo" || step == "export Full" || (step.compare(0, 5, "read ") == 0 && unchecked.count(step) == 0);
+    return step == "nextMo" || step == "export Full" ||
+           (step.compare(0, 5, "read ") == 0 && unchecked.count(step) == 0);
 }
 
 }  // namespace
@@ -109,11 +110,14 @@ TEST_F(MemoryFaultsTest, missingMemoryThatIsLookedForFailsItsCallOnly) {
         }
         EXPECT_EQ(life, expected);
         met.insert(failedStep);
+        const LogCapture below(2);
+        EXPECT_EQ(liveWithout(Kind::Checked, nth), expected);
+        EXPECT_THAT(errors(), IsEmpty());
     }
-    EXPECT_THAT(met, ElementsAre("", "export Full", "nextMo", "read Full baseModelIdentifier",
-                                 "read Full baseModelVersion", "read Full identifier", "read Full schemaId",
-                                 "read Full version", "read Plain identifier", "read Plain schemaId",
-                                 "read Plain version"));
+    EXPECT_THAT(met,
+                ElementsAre("", "export Full", "nextMo", "read Full baseModelIdentifier", "read Full baseModelVersion",
+                            "read Full identifier", "read Full schemaId", "read Full version", "read Plain identifier",
+                            "read Plain schemaId", "read Plain version"));
 }
 
 }  // namespace TevTest
