@@ -254,10 +254,9 @@ protected:
 
     /// What the calling process mounts from now on is seen by it and its children only, also in a chroot.
     void enterOwnMounts() const {
-        if (geteuid() != 0) {
+        // Not every root may mount: one of a container may have to ask for a namespace as well.
+        if (geteuid() != 0 || unshare(CLONE_NEWNS) != 0) {
             enterUserNamespace(geteuid());
-        } else if (unshare(CLONE_NEWNS) != 0) {
-            throwErrno("unshare");
         }
         // A mount may pass on to others what is mounted on it, and a chroot cannot reach its own to forbid that. It can
         // forbid it to one of its own making, and go and live below it. Only this first one, a folder that shows
