@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -15,6 +16,7 @@
 #include <map>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 
 #include "FileText.h"
 
@@ -143,6 +145,20 @@ std::vector<std::string> SftpServer::names() const {
 
 std::string SftpServer::log() const {
     return contents(tempFolder.path() / "log");
+}
+
+std::string SftpServer::logWith(const std::string& text) const {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (true) {
+        std::string logged = log();
+        if (logged.find(text) != std::string::npos) {
+            return logged;
+        }
+        if (std::chrono::steady_clock::now() > end) {
+            throw std::runtime_error("the server's log does not hold \"" + text + "\" but \"" + logged + "\"");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
 }
 
 std::vector<pid_t> SftpServer::processes(bool areSessionsOnly) const {

@@ -47,6 +47,10 @@ public:
 
     std::string log() const;
 
+    /// The log, once it holds the text: what a client is told is logged later. Throws std::runtime_error with the log
+    /// when it does not hold it within a minute.
+    std::string logWith(const std::string& text) const;
+
     /// Ends the server and every session at once.
     void stop();
 
