@@ -16,6 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr TevReturnT badAlloc = 1000;  // stands in a life for the exception
+constexpr unsigned int parts = 4;      // that can be tried at once
 
 /// The component looks whether there was memory for a key, for the container of an attribute that has one value, and
 /// for the result of an action; nowhere else.
@@ -68,11 +69,16 @@ protected:
     std::string failedStep;
 };
 
+/// The first allocation of one of the parts into which the many are divided.
+class MemoryFaultsPartTest : public MemoryFaultsTest, public testing::WithParamInterface<unsigned int> {};
+
 // The quoting of names for the SFTP client took an exception for the end of the text: an export was reported as done
 // whose file had stayed behind under another name.
-TEST_F(MemoryFaultsTest, missingMemoryIsToldAndTheNextAttemptIsAWholeOne) {
+TEST_P(MemoryFaultsPartTest, missingMemoryIsToldAndTheNextAttemptIsAWholeOne) {
     const Life whole = liveWithout(Kind::New, 0);
-    for (unsigned int nth = 1; nth == 1 || !failedStep.empty(); ++nth) {
+    const unsigned int allocations = count;
+    EXPECT_GT(allocations, 400U);
+    for (unsigned int nth = GetParam(); nth <= allocations || !failedStep.empty(); nth += parts) {
         const Life life = liveWithout(Kind::New, nth);
         SCOPED_TRACE(testing::Message() << "allocation " << nth << ": " << failedStep);
         ASSERT_EQ(life.size(), whole.size());
@@ -83,8 +89,9 @@ TEST_F(MemoryFaultsTest, missingMemoryIsToldAndTheNextAttemptIsAWholeOne) {
             EXPECT_TRUE(now == result || isRefused || isLeftOut) << step << ": " << now;
         }
     }
-    EXPECT_GT(count, 400U);
 }
+
+INSTANTIATE_TEST_SUITE_P(from, MemoryFaultsPartTest, testing::Range(1U, parts + 1));
 
 TEST_F(MemoryFaultsTest, missingMemoryThatIsLookedForFailsItsCallOnly) {
     const Life whole = liveWithout(Kind::Checked, 0);
