@@ -37,7 +37,11 @@ Poco::Dynamic::Var valueOf(const Instance& instance, const Instance::Attribute& 
 /// A document with one member, an array of objects: a line for each, for tools that go by lines.
 class Document {
 public:
-    explicit Document(const std::string& name) { text << "{\"" << name << "\":["; }
+    explicit Document(const std::string& name) {
+        // Else the stream would keep to itself that memory ran out, and end the text there.
+        text.exceptions(std::ios::badbit);
+        text << "{\"" << name << "\":[";
+    }
 
     void add(const Poco::JSON::Object& object) {
         text << (isEmpty ? "\n" : ",\n");
