@@ -20,6 +20,7 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
+using testing::SizeIs;
 using TevSchemaPopulator::SchemaData;
 using TevSchemaPopulator::SchemaMoImpl;
 
@@ -213,6 +214,22 @@ TEST_F(SchemaMoImplTest, missingMemoryForAKeyIsAFailureAndTheInstanceIsPassedOve
     EXPECT_EQ(moImpl.nextMo(iterator, &key), 0);
     EXPECT_STREQ(key, "b");
     EXPECT_THAT(releasedByFinish(), ElementsAre(iterator, key));
+}
+
+TEST_F(SchemaMoImplTest, keyThatCannotBeRegisteredIsFreedAndNotHandedOut) {
+    add("a");
+    void* const iterator = newIterator();
+    char unset = '\0';
+    char* key = &unset;
+    {
+        MemoryWatch watch;
+        watch.failNew();  // that of the registration: the id is short enough for a string without one
+        EXPECT_THROW(moImpl.nextMo(iterator, &key), std::bad_alloc);
+        EXPECT_THAT(watch.allocated(), SizeIs(1));
+        EXPECT_EQ(watch.released(), watch.allocated());
+    }
+    EXPECT_EQ(key, nullptr);
+    EXPECT_THAT(releasedByFinish(), ElementsAre(iterator));
 }
 
 TEST_F(SchemaMoImplTest, missingMemoryForAContainerIsItsOwnCode) {
