@@ -20,6 +20,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::UnorderedElementsAreArray;
 using TevSchemaPopulator::SchemaData;
 using TevSchemaPopulator::SchemaPopulatorService;
 
@@ -277,6 +278,25 @@ TEST_F(SchemaPopulatorServiceTest, listThatAFailingModelSharesIsKept) {
         released = watch.released();
     }
     EXPECT_THAT(released, ElementsAreArray(arrayLast(allocated)));
+}
+
+TEST_F(SchemaPopulatorServiceTest, noListIsLostWhereverMemoryForAStartRunsOut) {
+    host.models = {withFeatures("One", {"Alpha"}), withFeatures("Two", {"Beta"})};
+    for (unsigned int nth = 1;; ++nth) {
+        SCOPED_TRACE(nth);
+        MemoryWatch watch;
+        watch.failNew(nth);
+        try {
+            EXPECT_EQ(service.start(DalStateChangeReasonUnspecified), 0);
+        } catch (const std::bad_alloc&) {
+        }
+        if (!watch.failed()) {
+            break;
+        }
+        stop();
+        EXPECT_THAT(watch.released(), UnorderedElementsAreArray(watch.allocated()));
+    }
+    EXPECT_EQ(find("Two"), 1);
 }
 
 TEST_F(SchemaPopulatorServiceTest, startDoesNotReleaseTheListsOfTheCatalogueBefore) {
