@@ -49,10 +49,9 @@ std::string textOf(const char* text) {
     return text == nullptr ? std::string() : std::string(text);
 }
 
-/// Reads a value of the domain "ORVA". Success without a value counts as not found.
+/// Reads a value of the domain "ORVA" into `value`, which comes as null. Success without a value counts as not found.
 TevReturnT getOrvaValue(const DalOamSpiMrGeneralProperties_4& table, DalOamSpiMrGeneralPropertiesHandle_4T properties,
                         const char* key, const char*& value) {
-    value = nullptr;
     const TevReturnT result = table.getGeneralDomainValue(properties, orvaDomain, key, &value);
     return result == TevReturnOk && value == nullptr ? TevReturnNotFound : result;
 }
