@@ -49,19 +49,12 @@ struct Finish {
 Sides starts(std::size_t modelCount) {
     const auto framework = std::make_shared<Framework>(Framework::models(modelCount));
     const auto count = static_cast<double>(modelCount);
-    return {[=] {
-                tidyHeap();
-                return StartedComponent(*framework).startSeconds() / count;
-            },
-            [=] {
-                tidyHeap();
-                return Floor(*framework).startSeconds() / count;
-            }};
+    return {[=] { return StartedComponent(*framework).startSeconds() / count; },
+            [=] { return Floor(*framework).startSeconds() / count; }};
 }
 
 double componentStart(std::size_t modelCount) {
     Framework framework(Framework::models(modelCount));
-    tidyHeap();
     return StartedComponent(framework).startSeconds() / static_cast<double>(modelCount);
 }
 
