@@ -158,7 +158,7 @@ Framework::~Framework() {
 }
 
 std::vector<BenchModel> Framework::models(std::size_t count) {
-    const std::vector<TevAgent::Model> examples = TevAgent::ModelFolder::read(EXAMPLE_MODELS).models();
+    const std::vector<TevAgent::Model> examples = TevAgent::ModelFolder::read(EXAMPLE_NODE "/models").models();
     std::vector<BenchModel> list;
     for (std::size_t i = 0; i < count; ++i) {
         const TevAgent::Model& example = examples.at(i % examples.size());

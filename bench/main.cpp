@@ -17,6 +17,8 @@ int main(int argumentCount, char** arguments) {
     TevBench::addReadRows();
     TevBench::addLifecycleRows();
     TevBench::addCommonRows();
+    TevBench::addAgentRows();
+    TevBench::addExportRows();
     benchmark::RunSpecifiedBenchmarks();
     // What the rows hold goes before the libraries do.
     benchmark::ClearRegisteredBenchmarks();
