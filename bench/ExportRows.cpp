@@ -107,7 +107,7 @@ private:
 
 void addExportRow(const std::string& name, Target target, std::size_t size, std::size_t count,
                   void (*upload)(const Tev::TransferSettings&)) {
-    addLongRow(name, target, [=] {
+    addLongRow(name, target, 1, [=] {
         const auto transfers = std::make_shared<Transfers>(size);
         return Sides{[=] { return transfers->exportAtOnce(count); },
                      [=] { return transfers->uploadAtOnce(count, upload); }};

@@ -35,7 +35,7 @@ bool holds(const std::string& text, std::string_view prefix, std::initializer_li
 }  // namespace
 
 Floor::Floor(Framework& host) : framework(host) {
-    seconds = secondsOf([this] { start(); });
+    seconds = processorSecondsOf([this] { start(); });
 }
 
 Floor::~Floor() {

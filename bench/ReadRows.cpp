@@ -34,7 +34,7 @@ struct ReadAlone {
     template <class Side>
     double operator()(Side& side, const Dns& dns) const {
         constexpr std::size_t count = 600;  // every instance equally often
-        return secondsOf([&] { readOneEach(side, dns, 1, count); }) / count;
+        return processorSecondsOf([&] { readOneEach(side, dns, 1, count); }) / count;
     }
 };
 
@@ -61,7 +61,7 @@ struct List {
     template <class Side>
     double operator()(Side& side, const Dns& dns) const {
         std::size_t listed = 0;
-        const double seconds = secondsOf([&] {
+        const double seconds = processorSecondsOf([&] {
             side.join(1);
             void* const iterator = side.newMoIterator(1, Rig::parentDn, "Schema");
             while (side.nextMo(iterator) != nullptr) {
@@ -80,7 +80,7 @@ struct List {
 struct ReadAll {
     template <class Side>
     double operator()(Side& side, const Dns& dns) const {
-        const double seconds = secondsOf([&] {
+        const double seconds = processorSecondsOf([&] {
             side.join(1);
             for (const std::string& dn : dns) {
                 for (const char* const attribute : Rig::attributes) {
@@ -96,7 +96,7 @@ struct ReadAll {
 template <class Side>
 double secondsToFind(Side& side, const std::string& dn) {
     constexpr std::size_t count = 50;
-    return secondsOf([&] {
+    return processorSecondsOf([&] {
                for (std::size_t i = 0; i < count; ++i) {
                    side.getMoAttribute(1, dn.c_str(), "version");
                    side.finish(1);

@@ -3,7 +3,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <exception>
 #include <vector>
 
@@ -11,26 +10,30 @@ namespace TevBench {
 
 namespace {
 
-/// The value below which `share` of the others are.
-double quantile(std::vector<double> values, double share) {
-    const auto at = values.begin() + static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1) + 0.5);
-    std::nth_element(values.begin(), at, values.end());
-    return *at;
+std::vector<double> sorted(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values;
 }
 
-double quarter(const std::vector<double>& values) {
-    return quantile(values, 0.25);
+double median(const std::vector<double>& values) {
+    const std::vector<double> ranked = sorted(values);
+    return (ranked[(ranked.size() - 1) / 2] + ranked[ranked.size() / 2]) / 2;
 }
 
-double threeQuarters(const std::vector<double>& values) {
-    return quantile(values, 0.75);
+// A quarter of the values is below the one, and a quarter above the other.
+double lowerQuartile(const std::vector<double>& values) {
+    return sorted(values)[(values.size() - 1) / 4];
+}
+double upperQuartile(const std::vector<double>& values) {
+    return sorted(values)[values.size() - 1 - (values.size() - 1) / 4];
 }
 
 void measure(benchmark::State& state, const Sides& sides, Target target) {
     std::vector<double> components;
     std::vector<double> floors;
     std::vector<double> ratios;
-    bool isFloorFirst = false;
+    // Goes on from one measurement to the next, for those of a single pair.
+    static bool isFloorFirst = false;
     for ([[maybe_unused]] auto iteration : state) {
         const double first = isFloorFirst ? sides.floor() : sides.component();
         const double second = isFloorFirst ? sides.component() : sides.floor();
@@ -40,9 +43,9 @@ void measure(benchmark::State& state, const Sides& sides, Target target) {
         ratios.push_back(target.kind == Target::Kind::AtLeast ? 1 / ratio : ratio);
         isFloorFirst = !isFloorFirst;
     }
-    state.counters["component"] = quantile(components, 0.5);
-    state.counters["floor"] = quantile(floors, 0.5);
-    state.counters["ratio"] = quantile(ratios, 0.5);
+    state.counters["component"] = median(components);
+    state.counters["floor"] = median(floors);
+    state.counters["ratio"] = median(ratios);
     if (target.kind != Target::Kind::None) {
         state.counters[target.kind == Target::Kind::AtMost ? "atMost" : "atLeast"] = target.ratio;
     }
@@ -60,8 +63,8 @@ benchmark::internal::Benchmark* add(const std::string& name, Target target, cons
     };
     return benchmark::RegisterBenchmark(name.c_str(), run)
         ->UseRealTime()
-        ->ComputeStatistics("quarter", quarter)
-        ->ComputeStatistics("threeQuarters", threeQuarters);
+        ->ComputeStatistics("lowerQuartile", lowerQuartile)
+        ->ComputeStatistics("upperQuartile", upperQuartile);
 }
 
 }  // namespace
@@ -70,8 +73,8 @@ void addRow(const std::string& name, Target target, const std::function<Sides()>
     add(name, target, setUp, unit);
 }
 
-void addLongRow(const std::string& name, Target target, const std::function<Sides()>& setUp) {
-    add(name, target, setUp, "s")->Iterations(1);
+void addLongRow(const std::string& name, Target target, int pairs, const std::function<Sides()>& setUp) {
+    add(name, target, setUp, "s")->Iterations(pairs);
 }
 
 }  // namespace TevBench

@@ -21,7 +21,7 @@ StartedComponent::StartedComponent(Framework& host) : library(TevTest::Component
     TevReturnT result = library->init(&framework.accessor(), nullptr);
     if (result == TevReturnOk) {
         bytes = -allocatedBytes();
-        seconds = secondsOf([&] { result = framework.component()->start(DalStateChangeReasonUnspecified); });
+        seconds = processorSecondsOf([&] { result = framework.component()->start(DalStateChangeReasonUnspecified); });
         bytes += allocatedBytes();
     }
     if (result != TevReturnOk) {

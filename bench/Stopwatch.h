@@ -1,6 +1,8 @@
 #ifndef STOPWATCH_H
 #define STOPWATCH_H
 
+#include <time.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -9,6 +11,20 @@
 #include <vector>
 
 namespace TevBench {
+
+/// The seconds of processor time that `work` takes in this thread. Where nothing is waited for, that is what it takes
+/// on a machine that does nothing else, also while the machine does something else.
+template <class Work>
+double processorSecondsOf(const Work& work) {
+    const auto now = [] {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    };
+    const double begin = now();
+    work();
+    return now() - begin;
+}
 
 /// The seconds that `work` takes.
 template <class Work>
