@@ -49,10 +49,10 @@ Floor::~Floor() {
 
 void Floor::start() {
     const DalOamSpiModelRepository_4& repository = framework.repository();
+    Record record;  // its texts keep their memory
     DalOamSpiMrMomHandle_4T mom = 0;
     for (TevReturnT status = repository.root->getFirstMom(&mom); status == TevReturnOk;
          status = repository.mom->getNextMom(mom, &mom)) {
-        Record record;
         fill(record, mom);
         records.push_back(record);
     }
@@ -67,6 +67,9 @@ void Floor::fill(Record& record, DalOamSpiMrMomHandle_4T mom) const {
     general.getGeneralStringProperty(properties, DalOamSpiMrGeneralName, &text);
     record.schemaId = text;
     record.identifier = record.schemaId;
+    record.baseModelIdentifier.clear();
+    record.baseModelVersion.clear();
+    record.version.clear();
     if (general.getGeneralDomainValue(properties, "ORVA", "orvaMomName", &text) == TevReturnOk) {
         record.baseModelIdentifier = text;
     }

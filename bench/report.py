@@ -105,7 +105,7 @@ def plot(folder, group, title, table):
         set xrange [{min(points)[0] / 2}:{max(points)[0] * 2}]
         set yrange [0:*]
         set grid
-        set key left top
+        set key below
         $data << END
 {data}
 END
