@@ -65,3 +65,18 @@ build() {
     cmake --preset "$preset" "${warnings_as_errors[@]}"
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }
+
+# in_variant PRESET COMMAND...: runs a program that was built with this preset. The thread sanitizer ends at once where the
+# kernel puts something into the places of its own memory, which it does only when it may choose freely.
+in_variant() {
+    local preset=$1
+    shift
+    if [ "$preset" != tsan ]; then
+        "$@"
+    elif setarch -R true 2>/dev/null; then
+        setarch -R "$@"
+    else
+        echo "warning: setarch -R is refused here; programs may end with 'unexpected memory mapping'" >&2
+        "$@"
+    fi
+}

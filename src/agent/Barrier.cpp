@@ -6,6 +6,7 @@
 #include <exception>
 #include <memory>
 #include <typeinfo>
+#include <utility>
 
 #include "TevException.h"
 
@@ -23,6 +24,9 @@ std::string currentType() {
                                                            std::free);
     return std::string("an exception of type ") + (name != nullptr ? name.get() : type->name());
 }
+
+/// The innermost call that the thread is in.
+thread_local const Barrier::Call* innermost = nullptr;
 
 struct Caught {
     TevReturnT code;
@@ -43,6 +47,18 @@ Caught caught() {
 }
 
 }  // namespace
+
+Barrier::Call::Call(const std::string& componentName, const char* operationName) noexcept
+    : component(componentName), operation(operationName), outer(std::exchange(innermost, this)) {}
+
+Barrier::Call::~Call() {
+    innermost = outer;
+}
+
+std::string Barrier::blame(const std::string& deed) {
+    return innermost == nullptr ? "a component " + deed + " in a thread of its own"
+                                : "component " + innermost->component + " " + deed + " in " + innermost->operation;
+}
 
 TevReturnT Barrier::report(const char* what, const std::string& who, const char* operation) noexcept {
     try {

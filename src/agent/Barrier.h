@@ -15,9 +15,26 @@ namespace TevAgent {
 /// `Tev::TevException`, else, or when that is 0, -1. Thread-safe.
 class Barrier {
 public:
+    /// A call into a component while it is under way.
+    class Call {
+    public:
+        /// Both are borrowed.
+        Call(const std::string& componentName, const char* operationName) noexcept;
+        ~Call();
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+        const std::string& component;
+        const char* const operation;
+
+    private:
+        const Call* const outer;
+    };
+
     /// Carries out `function`, a call into the component `component`, and returns its code.
     template <class Function>
     static TevReturnT call(const std::string& component, const char* operation, Function&& function) noexcept {
+        const Call underWay(component, operation);
         try {
             return function();
         } catch (...) {
@@ -47,6 +64,10 @@ public:
             return report("", "the agent", service);
         }
     }
+
+    /// Whose deed it is when a component does something at this moment, in this thread: "component <who> <deed> in
+    /// <operation>" during a call into one, else "a component <deed> in a thread of its own".
+    static std::string blame(const std::string& deed);
 
 private:
     /// Reports the exception that is being handled; returns its code.

@@ -1,8 +1,17 @@
 #include "Component.h"
 
+#include <chrono>
+
 #include "Barrier.h"
+#include "Watchdog.h"
 
 namespace TevAgent {
+
+namespace {
+
+constexpr std::chrono::seconds stopLimit(10);
+
+}  // namespace
 
 Component::Component(DalMgmtSpiComponent_2& componentTable)
     : descriptor(componentTable), componentName(componentTable.base.componentName) {}
@@ -29,6 +38,8 @@ TevReturnT Component::start() {
 }
 
 TevReturnT Component::stop() {
+    const Watchdog watchdog(stopLimit, "component " + componentName + " did not return from stop within " +
+                                           std::to_string(stopLimit.count()) + " seconds");
     return Barrier::demand(componentName, "stop", [this] { return descriptor.stop(DalStateChangeReasonUnspecified); });
 }
 

@@ -21,7 +21,8 @@ public:
     std::vector<DalMgmtSpiInterface_1*> offers() const;
     std::vector<InterfaceId> dependencies() const;
 
-    /// Tells the component to start, to stop; what goes wrong is reported. Called one at a time.
+    /// Tells the component to start, to stop; what goes wrong is reported. Called one at a time. A component that does
+    /// not return from `stop` within 10 seconds ends the program.
     TevReturnT start();
     TevReturnT stop();
 

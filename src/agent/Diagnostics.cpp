@@ -14,6 +14,8 @@ namespace {
 
 thread_local Diagnostics::Capture* innermost = nullptr;
 
+constexpr std::string_view noMemory = "tev-agent: no memory to tell of a failure\n";
+
 /// What cannot be written to standard error has no other place to go.
 void writeToStandardError(std::string_view text) {
     static_cast<void>(Descriptor::write(STDERR_FILENO, text));
@@ -22,14 +24,22 @@ void writeToStandardError(std::string_view text) {
 }  // namespace
 
 void Diagnostics::say(const std::string& sentence) noexcept {
+    if (innermost == nullptr) {
+        sayAtOnce(sentence);
+        return;
+    }
     try {
-        if (innermost != nullptr) {
-            innermost->sentences.push_back(sentence);
-        } else {
-            writeToStandardError("tev-agent: " + Text::escaped(sentence) + "\n");
-        }
+        innermost->sentences.push_back(sentence);
     } catch (const std::exception&) {
-        writeToStandardError("tev-agent: no memory to tell of a failure\n");
+        writeToStandardError(noMemory);
+    }
+}
+
+void Diagnostics::sayAtOnce(const std::string& sentence) noexcept {
+    try {
+        writeToStandardError("tev-agent: " + Text::escaped(sentence) + "\n");
+    } catch (const std::exception&) {
+        writeToStandardError(noMemory);
     }
 }
 

@@ -15,6 +15,9 @@ public:
     /// Says `sentence`: to the innermost `Capture` of the calling thread, or to the operator when there is none.
     static void say(const std::string& sentence) noexcept;
 
+    /// Says `sentence` to the operator whatever the thread keeps, because the program ends.
+    static void sayAtOnce(const std::string& sentence) noexcept;
+
     /// Keeps what its thread says while it lives, so that a caller can make it the reason of a failure of its own and
     /// the operator reads it once. What was not taken is said when the capture ends. Lives on its thread's stack.
     class Capture {

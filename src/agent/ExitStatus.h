@@ -8,7 +8,8 @@ enum class ExitStatus {
     Done = 0,
     OperationFailed = 1,  ///< an unknown instance or attribute, a failed check, results that cannot be written
     WrongUsage = 2,
-    NotStarted = 3,  ///< the agent could not start: its inputs or a component cannot be used
+    NotStarted = 3,            ///< the agent could not start: its inputs or a component cannot be used
+    BroughtDown = NotStarted,  ///< a component did not return from `stop`, or called `exit`
     Interrupted = 130
 };
 

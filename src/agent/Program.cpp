@@ -13,6 +13,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Diagnostics.h"
+#include "ExitGuard.h"
 #include "Failure.h"
 #include "Interruption.h"
 #include "LoggingWrapper.h"
@@ -80,6 +81,7 @@ ExitStatus execute(int argumentCount, const char* const* arguments, StandardOutp
 }  // namespace
 
 int Program::run(int argumentCount, const char* const* arguments) {
+    const ExitGuard guard;
     ExitStatus status = ExitStatus::OperationFailed;
     try {
         StandardOutput output;

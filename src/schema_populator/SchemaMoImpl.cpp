@@ -359,9 +359,10 @@ bool SchemaMoImpl::isDebugModeSet() const {
     try {
         Tev::TevConfiguration configuration;
         configuration.load(configPath);
+        const auto components = configuration.getElementsByTagName("TevSchemaMoService");
+        const auto switches = configuration.getElementsByTagName("isSftpDebugMode");
         // That the element is there is what counts, whatever its text.
-        return configuration.getElementsByTagName("TevSchemaMoService")->length() == 1 &&
-               configuration.getElementsByTagName("isSftpDebugMode")->length() > 0;
+        return components->length() == 1 && switches->length() > 0;
     } catch (const std::exception& e) {
         SCHEMA_LOG(LogWarning, "Caught exception %s. Setting sftp debug mode to false", e.what());
     } catch (...) {

@@ -369,8 +369,9 @@ TevReturnT SchemaPopulatorService::initSchemaDataVector(DalOamSpiModelRepository
             schemaData.push_back(record);
             options = record.selectedModelOptions;
         } else {
-            // Out of reach, see above.
+            // GCOVR_EXCL_START: out of reach, see above.
             SCHEMA_TRACE(TraceDebug, "File [%s] is already inserted.", record.completeFileName.c_str());
+            // GCOVR_EXCL_STOP
         }
         status = repository.mom->getNextMom(mom, &mom);
     }

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "Diagnostics.h"
 #include "TevException.h"
@@ -70,6 +71,24 @@ TEST(BarrierTest, saysNothingOfADemandedCallThatSucceeds) {
     Diagnostics::Capture capture;
     EXPECT_EQ(Barrier::demand("Good", "stop", [] { return TevReturnT(0); }), 0);
     EXPECT_TRUE(capture.isEmpty());
+}
+
+TEST(BarrierTest, blamesTheInnermostCallOfTheThread) {
+    const auto blamed = [] { return Barrier::blame("fell asleep"); };
+    const std::string nobody = "a component fell asleep in a thread of its own";
+    EXPECT_EQ(blamed(), nobody);
+    Barrier::call("Outer", "start", [&] {
+        EXPECT_EQ(blamed(), "component Outer fell asleep in start");
+        Barrier::demand("Inner", "join", [&] {
+            EXPECT_EQ(blamed(), "component Inner fell asleep in join");
+            std::thread([&] { EXPECT_EQ(blamed(), nobody); }).join();
+            return TevReturnOk;
+        });
+        Barrier::call("Thrower", "join", []() -> TevReturnT { throw 42; });
+        EXPECT_EQ(blamed(), "component Outer fell asleep in start");
+        return TevReturnOk;
+    });
+    EXPECT_EQ(blamed(), nobody);
 }
 
 TEST(BarrierTest, keepsExceptionsOfTheAgentFromComponents) {

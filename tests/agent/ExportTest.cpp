@@ -51,7 +51,8 @@ protected:
         return "export " + dn + " (type 9, 1: " + uri + ") (type 9, 1: " + password + ")\n";
     }
 
-    /// Waits until the agent, which is about to wait for something, does so, or has ended.
+    /// Waits until the agent, which is about to wait for something, does so, or has ended. (The thread sanitizer loses
+    /// a signal that comes when a program is just beginning to wait for the first time.)
     static void waitUntilAsleep(AgentProcess& agent) {
         const std::string file = "/proc/" + std::to_string(agent.id()) + "/stat";
         while (!agent.hasEnded() && contents(file).find(") S ") == std::string::npos) {
@@ -192,6 +193,7 @@ TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoB
         setting.terminal = terminal.path();
         AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
         terminal.waitFor("Password: ");
+        waitUntilAsleep(agent);
         agent.send(signal);
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
@@ -207,6 +209,7 @@ TEST_F(ExportTest, anInterruptTypedOnTheTerminalIsOneToo) {
     setting.terminal = terminal.path();
     AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
+    waitUntilAsleep(agent);
     terminal.type("half\x03");
     EXPECT_EQ(agent.outcome().status, 130);
     EXPECT_EQ(terminal.shown(), "Password: \r\n");

@@ -181,6 +181,44 @@ TEST_F(HostileComponentTest, throwsFromStopOnceTheResultsAreOut) {
     EXPECT_EQ(outcome.err, "tev-agent: component TevSchemaMoService threw in stop: will not\n");
 }
 
+TEST_F(HostileComponentTest, neverReturnsFromStopWhichEndsTheProgramOnceTheResultsAreOut) {
+    const auto begin = std::chrono::steady_clock::now();
+    const AgentOutcome outcome = run("endless_stop", {"get", "one", "schemaId"});
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.out, "schemaId\nvalue\n");
+    EXPECT_EQ(outcome.err, "tev-agent: component TevSchemaMoService did not return from stop within 10 seconds\n");
+}
+
+TEST_F(HostileComponentTest, callsExitWhileItIsStarted) {
+    expectNotStarted("exits_from_start", "no licence\ntev-agent: component TevSchemaMoService called exit in start\n");
+}
+
+TEST_F(HostileComponentTest, callsExitInAThreadOfItsOwn) {
+    expectNotStarted("exits_from_thread", "tev-agent: a component called exit in a thread of its own\n");
+}
+
+TEST_F(HostileComponentTest, callsExitWhileItIsRead) {
+    const AgentOutcome outcome = run("exits_from_read", {"list"});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "tev-agent: component TevSchemaMoService called exit in getMoAttribute\n");
+}
+
+TEST_F(HostileComponentTest, callsExitWhileItIsStoppedOnceTheResultsAreOut) {
+    const AgentOutcome outcome = run("exits_from_stop", {"get", "one", "schemaId"});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.out, "schemaId\nvalue\n");
+    EXPECT_EQ(outcome.err, "tev-agent: component TevSchemaMoService called exit in stop\n");
+}
+
+TEST_F(HostileComponentTest, checkShowsWhichItemPassedBeforeAComponentCallsExit) {
+    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "check", library("exits_from_start")});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.out, testing::EndsWith("tables well-formed: passed: component TevSchemaMoService\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("tev-agent: component TevSchemaMoService called exit in start\n"));
+}
+
 TEST_F(HostileComponentTest, closesTheDescriptorOfTheResults) {
     const AgentOutcome outcome = run("closes_descriptors", {"get", "one", "schemaId"});
     EXPECT_EQ(outcome.status, 1);

@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
 #include <vector>
 
 #include "FileText.h"
 #include "SftpTest.h"
+#include "StoppedClock.h"
 #include "TcpProxy.h"
 
 namespace {
@@ -24,6 +26,7 @@ using TevTest::contents;
 using TevTest::millisecondsOf;
 using TevTest::randomBytes;
 using TevTest::SftpServer;
+using TevTest::StoppedClock;
 using TevTest::success;
 using TevTest::TcpProxy;
 using TevTest::Transfer;
@@ -55,21 +58,26 @@ std::ostream& operator<<(std::ostream& stream, const Moment& moment) {
     return stream << moment.stream << moment.line;
 }
 
-/// The real client, but the first one's talk is held before one line until it is released.
+/// The real client, but the first one's talk is held before one line until it is released, and after that line again.
 class SftpMomentTest : public SftpStopTest, public testing::WithParamInterface<Moment> {
 protected:
     Transfer heldTransferTo(const SftpServer& server) const {
+        const std::string line = std::to_string(GetParam().line);
         Transfer transfer = transferTo(server, randomBytes(1'000'000));
         transfer.program = writeScript("cd " + local.path().string() +
                                        "\n"
                                        "mkdir first || exec /usr/bin/sftp \"$@\"\n"
+                                       "holdUntil() { until [ -e $1 ]; do sleep 0.01; done; }\n"
                                        "hold() {\n"
                                        "    for ((i = 1; ; i++)); do\n"
                                        "        IFS= read -r line || exit\n"
                                        "        [ $i -ne " +
-                                       std::to_string(GetParam().line) +
-                                       " ] || { touch held; until [ -e released ]; do sleep 0.01; done; }\n"
+                                       line +
+                                       " ] || { touch held; holdUntil released; }\n"
                                        "        printf '%s\\n' \"$line\"\n"
+                                       "        [ $i -ne " +
+                                       line +
+                                       " ] || { touch passed; holdUntil free; }\n"
                                        "    done\n"
                                        "}\n"
                                        "if [ " +
@@ -80,14 +88,32 @@ protected:
         return transfer;
     }
 
-    void waitUntilHeld() const {
-        waitUntil([&] { return std::filesystem::exists(local.path() / "held"); });
-    }
-
-    /// Once the transfer has seen that it has to stop: it looks every 0.1 s, and nothing outside tells that it has.
-    void release() const {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        local.write("released", "");
+    /// Runs the transfer, and once it is held lets `stop` have it stopped; it is released when it has seen that, and is
+    /// free when it has seen the line. The clock stands still meanwhile: there is all the time that a slow machine
+    /// needs, for another login too.
+    TransferOutcome runAndStop(const Transfer& transfer, const std::function<void(StoppedClock&)>& stop) const {
+        StoppedClock clock;
+        std::atomic<bool> isOver{false};
+        const auto waitForFile = [&](const char* name) {
+            waitUntil([&] { return isOver || std::filesystem::exists(local.path() / name); });
+        };
+        // A transfer looks at the clock at most twice before it looks again at the client, and whether it has to stop.
+        const auto waitUntilSeen = [&] {
+            waitUntil([&, seen = clock.looks()] { return isOver || clock.looks() >= seen + 3; });
+        };
+        std::thread stopping([&] {
+            waitForFile("held");
+            stop(clock);
+            waitUntilSeen();
+            local.write("released", "");
+            waitForFile("passed");
+            waitUntilSeen();
+            local.write("free", "");
+        });
+        const TransferOutcome outcome = transfer.run();
+        isOver = true;
+        stopping.join();
+        return outcome;
     }
 
     void expectOneWholeFile(const SftpServer& server, const Transfer& transfer, const TransferOutcome& outcome,
@@ -106,16 +132,7 @@ protected:
 TEST_P(SftpMomentTest, interruptionLeavesNothingAndSaysNothingOfIt) {
     const SftpServer server;
     const Transfer transfer = heldTransferTo(server);
-    std::chrono::steady_clock::time_point begin;
-    std::thread interrupting([&] {
-        waitUntilHeld();
-        begin = std::chrono::steady_clock::now();
-        Tev::SftpWrapper::interruptAll();
-        release();
-    });
-    const TransferOutcome outcome = transfer.run();
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1100));
-    interrupting.join();
+    const TransferOutcome outcome = runAndStop(transfer, [](StoppedClock&) { Tev::SftpWrapper::interruptAll(); });
     expectOneWholeFile(server, transfer, outcome, interrupted);
 }
 
@@ -135,15 +152,8 @@ TEST_P(SftpTimeoutMomentTest, timeoutLeavesNothingAndSaysNothingOfIt) {
     const SftpServer server;
     Transfer transfer = heldTransferTo(server);
     transfer.timeout = 2000;
-    std::thread releasing([&] {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(transfer.timeout);
-        waitUntilHeld();
-        std::this_thread::sleep_until(end);
-        release();
-    });
-    TransferOutcome outcome;
-    EXPECT_THAT(millisecondsOf([&] { outcome = transfer.run(); }), AllOf(Ge(2000), Lt(3000)));
-    releasing.join();
+    const TransferOutcome outcome =
+        runAndStop(transfer, [&](StoppedClock& clock) { clock.moveOn(std::chrono::milliseconds(transfer.timeout)); });
     expectOneWholeFile(server, transfer, outcome, {-1, "the transfer was not over after 2000 ms"});
 }
 
@@ -195,20 +205,44 @@ TEST_F(SftpStopTest, serverThatIsSlowWithEveryStepOfTheEndIsLeftInTime) {
     transfer.remotePath = "/x";
     transfer.timeout = 1000;
     state.write("known_hosts", "127.0.0.1 a key\n");
-    transfer.program = writeScript(
-        "trap '' TERM HUP INT\n"
-        "answer() { echo SFTP protocol version 3; }\n"
-        "read -r version; answer\n"
-        "read -r put; read -r version; sleep 1.3; answer\n"
-        "read -r rm; read -r version; sleep 0.3; touch " +
-        (local.path() / "removed").string() +
-        "; answer\n"
-        "while :; do sleep 1; done\n");
-    EXPECT_THAT(millisecondsOf([&] {
-                    EXPECT_EQ(transfer.run(), (TransferOutcome{-1, "the transfer was not over after 1000 ms"}));
-                }),
-                AllOf(Ge(1600), Lt(2000)));
-    EXPECT_TRUE(std::filesystem::exists(local.path() / "removed"));
+    transfer.program = writeScript("cd " + local.path().string() +
+                                   "\n"
+                                   "trap '' TERM HUP INT\n"
+                                   "answer() { echo SFTP protocol version 3; }\n"
+                                   "after() { touch $1; until [ -e after-$1 ]; do sleep 0.01; done; answer; }\n"
+                                   "read -r version; answer\n"
+                                   "read -r put; read -r version; after put\n"
+                                   "read -r rm; read -r version; after rm; touch removed\n"
+                                   "while :; do sleep 1; done\n");
+    StoppedClock clock;
+    std::chrono::milliseconds passed{0};
+    const auto moveOn = [&](long milliseconds) {
+        passed += std::chrono::milliseconds(milliseconds);
+        clock.moveOn(std::chrono::milliseconds(milliseconds));
+    };
+    const auto waitFor = [&](const char* file) {
+        waitUntil([&] { return std::filesystem::exists(local.path() / file); });
+    };
+    std::atomic<bool> isOver{false};
+    std::thread moving([&] {
+        waitFor("put");
+        moveOn(1300);
+        local.write("after-put", "");
+        waitFor("rm");
+        moveOn(300);
+        local.write("after-rm", "");
+        waitFor("removed");
+        while (!isOver) {
+            // No faster than the transfer can see.
+            const unsigned long seen = clock.looks();
+            moveOn(10);
+            waitUntil([&] { return isOver || clock.looks() > seen + 1; });
+        }
+    });
+    EXPECT_EQ(transfer.run(), (TransferOutcome{-1, "the transfer was not over after 1000 ms"}));
+    isOver = true;
+    moving.join();
+    EXPECT_THAT(passed.count(), AllOf(Ge(1600), Lt(2000)));
 }
 
 }  // namespace

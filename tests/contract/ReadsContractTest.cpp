@@ -439,7 +439,15 @@ TEST_F(ReadsContractTest, errorsNeedLevelThree) {
     log.clear();
     Tev::LoggingWrapper::instance().set_level(2);
     EXPECT_EQ(objects().newMoIterator(1, "no DN", "Schema", &iterator), -1);
+    EXPECT_EQ(objects().newMoIterator(1, parentDn, "NoSchema", &iterator), -1);
+    EXPECT_EQ(objects().newMoIterator(1, nullptr, nullptr, nullptr), -8);
+    char* key = nullptr;
+    EXPECT_EQ(objects().nextMo(handleOf(1), &key), -1);
     EXPECT_EQ(objects().nextMo(nullptr, nullptr), -8);
+    DalMoAttributeValueContainer* value = nullptr;
+    EXPECT_EQ(objects().getMoAttribute(1, "no DN", "version", &value), -1);
+    EXPECT_EQ(objects().getMoAttribute(1, dnOf("Other").c_str(), "version", &value), -2);
+    EXPECT_EQ(objects().getMoAttribute(1, dnOf("One").c_str(), "other", &value), -2);
     EXPECT_EQ(objects().getMoAttribute(1, nullptr, nullptr, nullptr), -8);
     EXPECT_THAT(log.records(), IsEmpty());
 }

@@ -1,14 +1,17 @@
 #include "QuotedText.h"
 
-#include <iomanip>
-#include <sstream>
-
 namespace Tev {
 
+// Not by way of a stream, which would end the text where memory runs out, and say nothing.
 std::string quotedText(const std::string& text) {
-    std::ostringstream stream;
-    stream << std::quoted(text);
-    return stream.str();
+    std::string quoted = "\"";
+    for (const char character : text) {
+        if (character == '"' || character == '\\') {
+            quoted += '\\';
+        }
+        quoted += character;
+    }
+    return quoted + '"';
 }
 
 }  // namespace Tev
