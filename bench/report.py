@@ -135,6 +135,7 @@ def main(results_path, docs=None):
         write(docs, table, results["context"])
     else:
         broken += [f"{name}: more than twice its target" for name, row in table.items() if excess(row) > 2]
+    print(f"{len(table)} rows")
     for problem in broken:
         print(f"bench: {problem}", file=sys.stderr)
     return 1 if broken or not table else 0
