@@ -21,6 +21,9 @@ struct Character {
 /// The character that `text` has at `position`; a byte that is no character stands for U+FFFD, which is printable.
 Character characterAt(std::string_view text, std::size_t position) {
     const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data()) + position;
+    if (*bytes < 0x80) {
+        return {*bytes, 1};  // nearly all are like that
+    }
     const Poco::UTF8Encoding utf8;
     const int size = utf8.sequenceLength(bytes, 1);
     const bool isWhole = size > 0 && static_cast<std::size_t>(size) <= text.size() - position;

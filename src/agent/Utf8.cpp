@@ -13,6 +13,9 @@ namespace {
 /// The length in bytes of the well-formed character that `text`, which is not empty, begins with, or 0.
 std::size_t characterSize(std::string_view text) {
     const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data());
+    if (*bytes < 0x80) {
+        return 1;  // nearly all are like that
+    }
     const int size = Poco::UTF8Encoding().sequenceLength(bytes, 1);
     const bool isWhole = static_cast<std::size_t>(size) <= text.size();
     return isWhole && Poco::UTF8Encoding::isLegal(bytes, size) ? static_cast<std::size_t>(size) : 0;

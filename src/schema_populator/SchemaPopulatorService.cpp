@@ -45,8 +45,8 @@ TevReturnT fetch(const DalPortal_3& portal, const DalMgmtSpiInterface_1& wanted,
 constexpr const char* populateFunction = "populateSchemaData";
 
 /// A name or path that the repository leaves null reads as an empty text.
-std::string textOf(const char* text) {
-    return text == nullptr ? std::string() : std::string(text);
+const char* textOf(const char* text) {
+    return text == nullptr ? "" : text;
 }
 
 /// Reads a value of the domain "ORVA" into `value`, which comes as null. Success without a value counts as not found.
@@ -114,7 +114,7 @@ TevReturnT readBaseModelVersion(const DalOamSpiMrGeneralProperties_4& table,
         SCHEMA_LOG_AS(populateFunction, LogError, "Could not get orva mom release");
         return result;
     }
-    record.baseModelVersion = std::string(version) + "." + release;
+    record.baseModelVersion.append(version).append(".").append(release);
     const char* correction = nullptr;
     result = table.getGeneralDomainValue(properties, orvaDomain, "orvaMomCorrection", &correction);
     if (result != TevReturnOk) {
@@ -204,7 +204,7 @@ TevReturnT readFileName(const DalOamSpiModelRepositoryExtension_1& extension, co
                       "Could not get file name from the absolute file name given by modelRepository");
         return TevReturnFailure;
     }
-    record.fileName = record.completeFileName.substr(slash + 1);
+    record.fileName.assign(record.completeFileName, slash + 1);
     return TevReturnOk;
 }
 
@@ -350,10 +350,13 @@ TevReturnT SchemaPopulatorService::initSchemaDataVector(DalOamSpiModelRepository
     const std::set<std::string> fileNames;
     // A model for which the repository gives no list of options keeps that of the model before it.
     const char** options = nullptr;
+    const SchemaData fresh;
+    // One for all models: its texts keep their memory, and only the copies in the catalogue need new.
+    SchemaData record;
     DalOamSpiMrMomHandle_4T mom = 0;
     TevReturnT status = repository.root->getFirstMom(&mom);
     while (status == TevReturnOk) {
-        SchemaData record;
+        record = fresh;
         record.selectedModelOptions = options;
         const UnlistedOptions unlistedOptions{record, options};
         const TevReturnT result = populateSchemaData(repository, extension, mom, record);

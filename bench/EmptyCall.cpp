@@ -1,0 +1,7 @@
+#include "EmptyCall.h"
+
+namespace TevBench {
+
+void emptyCall() {}
+
+}  // namespace TevBench

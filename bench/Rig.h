@@ -1,0 +1,48 @@
+#ifndef RIG_H
+#define RIG_H
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Floor.h"
+#include "Framework.h"
+#include "Row.h"
+#include "StartedComponent.h"
+
+namespace TevBench {
+
+/// The component and the floor, over the same models.
+class Rig {
+public:
+    static constexpr const char* parentDn = "ManagedElement=1,SystemFunctions=1,SysM=1";
+    static constexpr const char* attributes[] = {"schemaId", "identifier",       "baseModelIdentifier",
+                                                 "version",  "baseModelVersion", "selectedModelOptions"};
+
+    /// Throws std::logic_error when the two do not give the same values.
+    explicit Rig(std::size_t modelCount);
+    Rig(const Rig&) = delete;
+    Rig& operator=(const Rig&) = delete;
+
+    /// The sides of a row whose work is the same code for both: a function object `work(side, dns)` that takes a
+    /// `StartedComponent&` or a `Floor&` and the DNs of all instances.
+    template <class Work>
+    static Sides sides(std::size_t modelCount, const Work& work) {
+        const auto rig = std::make_shared<Rig>(modelCount);
+        return {[=] { return work(rig->component, rig->dns); }, [=] { return work(rig->floor, rig->dns); }};
+    }
+
+private:
+    void requireSameValues(const std::string& dn);
+
+    Framework framework;
+    StartedComponent component;
+    Floor floor;
+    std::vector<std::string> dns;
+};
+
+}  // namespace TevBench
+
+#endif
