@@ -368,7 +368,7 @@ TevReturnT SchemaPopulatorService::initSchemaDataVector(DalOamSpiModelRepository
             schemaData.push_back(record);
             options = record.selectedModelOptions;
         } else {
-            // GCOVR_EXCL_START: out of reach, see above.
+            // GCOVR_EXCL_START: out of reach, since the set stays empty.
             SCHEMA_TRACE(TraceDebug, "File [%s] is already inserted.", record.completeFileName.c_str());
             // GCOVR_EXCL_STOP
         }

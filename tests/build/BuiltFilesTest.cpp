@@ -6,8 +6,10 @@
 #include <vector>
 
 #include "CommandOutput.h"
+#include "FileText.h"
 
-// What the compiler and the linker were told to do against faults can be seen in the files that they made.
+// What the compiler and the linker were told to do against faults can be seen in the files that they made, and in how
+// the compiler was called.
 
 namespace TevTest {
 
@@ -127,6 +129,27 @@ TEST_P(BuiltFilesTest, marksEveryFunctionThatOthersMayCall) {
     EXPECT_THAT(functions, testing::IsEmpty());
 }
 #endif
+
+// One source without them would not show in a file that others went into as well.
+TEST(CompileCommandsTest, haveTheProtectionsForEverySource) {
+    unsigned int sources = 0;
+    for (const std::string& line : linesOf(contents(TEV_COMPILE_COMMANDS))) {
+        if (line.find("\"command\": ") == std::string::npos || line.find(" -o src/") == std::string::npos) {
+            continue;
+        }
+        ++sources;
+        EXPECT_THAT(line, HasSubstr(" -fstack-protector-strong "));
+        EXPECT_THAT(line, ContainsRegex(" -f(PIC|PIE) "));
+#if TEV_FORTIFIED
+        EXPECT_THAT(line, HasSubstr(" -D_FORTIFY_SOURCE=2 "));
+        EXPECT_THAT(line, Not(HasSubstr(" -U_FORTIFY_SOURCE")));
+#endif
+#if TEV_CF_PROTECTION
+        EXPECT_THAT(line, HasSubstr(" -fcf-protection=full "));
+#endif
+    }
+    EXPECT_GT(sources, 50U);
+}
 
 INSTANTIATE_TEST_SUITE_P(, BuiltFilesTest,
                          testing::Values(BuiltFile{"program", TEV_AGENT_PROGRAM},

@@ -74,7 +74,7 @@ TransferOutcome Transfer::runInChild(const std::function<void()>& prepare) const
 }
 
 void waitUntil(const std::function<bool()>& isTrue) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (!isTrue()) {
         ASSERT_LT(std::chrono::steady_clock::now(), end) << "what the test waits for does not happen";
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -20,7 +20,7 @@ constexpr milliseconds warmUp(10000);
 // What may come later: all clients happen to list at the same moment, each of 5,000 keys with its bookkeeping; and odds
 // and ends of the C library, which come to 2 kB.
 constexpr std::size_t residentAllowance = 4'000'000;
-constexpr std::size_t heapAllowance = 20'000;
+constexpr std::size_t heapAllowance = 10'000;
 
 #ifdef TEV_MEMORY_IS_JUDGED
 constexpr bool isMemoryJudged = true;

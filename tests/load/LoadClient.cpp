@@ -94,6 +94,7 @@ void LoadClient::read() {
     for (int i = 0; i < instances; ++i) {
         const LoadNode::SchemaModel& model = anyModel();
         const Instance instance = operation.reader().read(agent.schemaDn(model.id), SchemaClass::attributes());
+        demand(instance.attributes.size() == model.values.size(), "an attribute of " + model.id + " is missing");
         for (const Instance::Attribute& attribute : instance.attributes) {
             demand(attribute.values == model.values.at(attribute.name),
                    "the value of " + attribute.name + " of " + model.id + " is wrong");

@@ -99,13 +99,14 @@ void giveUpPrivileges() {
     _exit(126);
 }
 
-/// What a program that has ended, but was not reaped yet, has read.
-std::uint64_t bytesReadBy(pid_t pid) {
-    std::ifstream counters("/proc/" + std::to_string(pid) + "/io");
+/// What this process has read, and those of its children that it has reaped. Not every system tells an ordinary user
+/// what a child has read that has ended.
+std::uint64_t bytesReadByUs() {
+    std::ifstream counters("/proc/self/io");
     std::string name;
     std::uint64_t bytes = 0;
     if (!(counters >> name >> bytes) || name != "rchar:") {
-        throw std::runtime_error("the system does not tell what the program has read");
+        throw std::runtime_error("the system does not tell what was read");
     }
     return bytes;
 }
@@ -181,9 +182,10 @@ bool ChildProcess::reap(bool isWaiting) {
     if (ended.si_pid == 0) {
         return false;
     }
-    readBytes = bytesReadBy(pid);
+    const std::uint64_t before = bytesReadByUs();
     int state = 0;
     waitpid(pid, &state, 0);
+    readBytes = bytesReadByUs() - before;
     code = WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state);
     pid = -1;
     return true;
