@@ -49,12 +49,12 @@ double secondsOfCheck(const Side& side) {
     return processorSecondsOf([&] { check(side, count); }) / count;
 }
 
-/// How much longer two threads take than one.
+/// What a second thread brings: the cost of a check with both, against that with one.
 template <class Side>
 double costOfSecondThread(const Side& side) {
     constexpr std::size_t count = 20000;
     const auto work = [&](std::size_t) { check(side, count); };
-    return secondsOfThreads(2, work) / secondsOfThreads(1, work);
+    return secondsOfThreads(2, work) / 2 / secondsOfThreads(1, work);
 }
 
 Sides checks() {
