@@ -131,9 +131,9 @@ def main(results_path, docs=None):
         results = json.load(file)
     table, broken = rows(results)
     show(table)
-    if docs is not None:
+    if docs is not None and not broken:
         write(docs, table, results["context"])
-    else:
+    if docs is None:
         broken += [f"{name}: more than twice its target" for name, row in table.items() if excess(row) > 2]
     print(f"{len(table)} rows")
     for problem in broken:
