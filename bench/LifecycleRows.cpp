@@ -5,10 +5,12 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Rig.h"
 #include "Row.h"
 #include "Rows.h"
+#include "SchemaData.h"
 #include "Stopwatch.h"
 
 namespace TevBench {
@@ -58,10 +60,21 @@ double componentStart(std::size_t modelCount) {
     return StartedComponent(framework).startSeconds() / static_cast<double>(modelCount);
 }
 
+/// The usual one of many: a single short start is mostly the cold caches that the measurement before it has left.
+double usualComponentStart(std::size_t modelCount) {
+    std::vector<double> starts(31);
+    std::generate(starts.begin(), starts.end(), [=] { return componentStart(modelCount); });
+    const auto middle = starts.begin() + 15;
+    std::nth_element(starts.begin(), middle, starts.end());
+    return *middle;
+}
+
 /// What a text needs beside the string object.
 double bytesOutside(const std::string& text) {
     return text.capacity() > std::string().capacity() ? static_cast<double>(text.size() + 1) : 0;
 }
+
+static_assert(sizeof(Floor::Record) == sizeof(TevSchemaPopulator::SchemaData), "or they cannot be set side by side");
 
 /// Bytes that the record, its texts and its options need, without what a heap adds.
 double bytesOf(const Floor::Record& record) {
@@ -108,7 +121,7 @@ void addLifecycleRows() {
     addRow("start, 10,000 models", atMost(1.25), [] { return starts(10000); });
     addLongRow("start, 100,000 models", atMost(1.25), 4, [] { return starts(100000); });
     addLongRow("cost of a model at start, one of 100,000 against one of 100", atMost(2), 4, [] {
-        return Sides{[] { return componentStart(100000); }, [] { return componentStart(100); }};
+        return Sides{[] { return componentStart(100000); }, [] { return usualComponentStart(100); }};
     });
     addRow(
         "memory of a model, 1,000 models", atMost(1.3), [] { return memory(1000, false); }, "B");
