@@ -1,6 +1,7 @@
 #ifndef TEV_AGENT_INTERRUPTION_H
 #define TEV_AGENT_INTERRUPTION_H
 
+#include <chrono>
 #include <exception>
 
 namespace TevAgent {
@@ -26,9 +27,10 @@ public:
     /// Throws `Interrupted` once a signal was noted. Called between the steps of a command; any thread.
     static void check();
 
-    /// Returns once `descriptor` can be read, or is at its end; throws `Interrupted` as soon as a signal is noted. Any
-    /// thread.
-    static void waitForInput(int descriptor);
+    /// Returns true once `descriptor` can be read, or is at its end, and false when that is not so at `end`, by default
+    /// never; throws `Interrupted` as soon as a signal is noted. Any thread.
+    static bool waitForInput(int descriptor,
+                             std::chrono::steady_clock::time_point end = std::chrono::steady_clock::time_point::max());
 };
 
 }  // namespace TevAgent

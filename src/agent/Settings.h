@@ -27,8 +27,15 @@ struct Settings {
 
     Command command = Command::List;
     std::string target;                   ///< of get and export: a DN or a schema id
-    std::vector<std::string> attributes;  ///< of get
-    std::string checkedLibrary;           ///< of check
+    std::vector<std::string> attributes;  ///< of get, and of check
+
+    // Of check.
+    std::string checkedLibrary;
+    std::string checkedClass;
+    std::string checkedParent;           ///< DN
+    std::vector<std::string> onlyItems;  ///< ids, or groups of them
+    bool isInProcess = false;
+    unsigned int timeLimit = 10;  ///< of each item, in seconds
 
     // Of export.
     std::string uri;                   ///< as given; for every model it ends in "/"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 
 #include "Text.h"
 #include "Utf8.h"
@@ -74,7 +75,27 @@ std::string TableText::of(const std::vector<std::string>& attributeNames, const 
 }
 
 std::string TableText::of(const CheckResult& result) {
-    return outcomeOf(result.item + (result.isPassed ? ": passed" : ": failed"), result.remark);
+    // Lines are written as the results come, so the widths are known by heart.
+    constexpr std::size_t idWidth = 33;
+    constexpr std::size_t wordWidth = 9;
+    const auto padded = [](const std::string& text, std::size_t width) {
+        return text + std::string(width - std::min(width, text.size()), ' ');
+    };
+    return outcomeOf(
+        padded(CheckResult::word(result.outcome), wordWidth) + padded(result.id, idWidth) + result.description,
+        result.remark);
+}
+
+std::string TableText::summaryOf(const std::vector<CheckResult>& results) {
+    std::map<CheckResult::Outcome, std::size_t> counts;
+    for (const CheckResult& result : results) {
+        ++counts[result.outcome];
+    }
+    std::string summary;
+    for (const auto& [outcome, count] : counts) {
+        summary += (summary.empty() ? "" : ", ") + std::to_string(count) + " " + CheckResult::word(outcome);
+    }
+    return summary + "\n";
 }
 
 std::string TableText::of(const ExportResult& result) {

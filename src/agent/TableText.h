@@ -18,8 +18,11 @@ public:
     /// columns are aligned, two blanks apart; no value is shown as nothing, several are joined by a comma and a blank.
     static std::string of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances);
 
-    /// A line: "<item>: passed" or "<item>: failed", with the remark after another colon.
+    /// A line: the result, the id and the description, in columns, then the remark after a colon.
     static std::string of(const CheckResult& result);
+
+    /// The last line of a check: how many results there are of each kind.
+    static std::string summaryOf(const std::vector<CheckResult>& results);
 
     /// A line: "<model>: exported" or "<model>: failed", with the message after another colon.
     static std::string of(const ExportResult& result);

@@ -58,9 +58,18 @@ TEST(TableTextTest, makesControlCharactersHarmless) {
 }
 
 TEST(TableTextTest, writesACheckResultOnOneLine) {
-    EXPECT_EQ(TableText::of(CheckResult{"loads", true, ""}), "loads: passed\n");
-    EXPECT_EQ(TableText::of(CheckResult{"loads", true, "well"}), "loads: passed: well\n");
-    EXPECT_EQ(TableText::of(CheckResult{"loads", false, "no\nfile"}), "loads: failed: no\\nfile\n");
+    using Outcome = CheckResult::Outcome;
+    EXPECT_EQ(TableText::of(CheckResult{"a.b", "It is", Outcome::Passed, ""}),
+              "passed   a.b                              It is\n");
+    EXPECT_EQ(TableText::of(CheckResult{"a.b", "It is", Outcome::Warning, "no\nfile"}),
+              "warning  a.b                              It is: no\\nfile\n");
+}
+
+TEST(TableTextTest, countsTheCheckResultsOfEachKind) {
+    using Outcome = CheckResult::Outcome;
+    EXPECT_EQ(TableText::summaryOf(
+                  {{"", "", Outcome::Crashed, ""}, {"", "", Outcome::Passed, ""}, {"", "", Outcome::Passed, ""}}),
+              "2 passed, 1 crashed\n");
 }
 
 }  // namespace
