@@ -48,8 +48,9 @@ std::vector<Item> itemsIn(const std::string& json) {
     return items;
 }
 
+/// With time for a busy machine.
 AgentOutcome check(const std::vector<std::string>& arguments) {
-    std::vector<std::string> words = {"--output", "json", "check"};
+    std::vector<std::string> words = {"--output", "json", "check", "--time-limit", "100"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return AgentProcess::run(words);
 }
@@ -199,10 +200,9 @@ TEST(CheckTest, aFileOfObjectsThatCannotBeUsedIsToldForEachItem) {
 
 TEST(CheckTest, anItemThatHangsIsEnded) {
     const AgentOutcome outcome =
-        check({library("endless_start"), "--time-limit", "1", "--only", "lifecycle.start", "--only", "load"});
+        AgentProcess::run({"check", library("endless_start"), "--time-limit", "1", "--only", "lifecycle.start"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(itemsIn(outcome.out).back().result, "failed");
-    EXPECT_EQ(itemsIn(outcome.out).back().remark, "it did not return within 1 s");
+    EXPECT_THAT(outcome.out, HasSubstr("start returns 0: it did not return within 1 s\n1 failed\n"));
 }
 
 TEST(CheckTest, aComponentThatCallsExitIsNamed) {
