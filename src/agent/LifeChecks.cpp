@@ -135,7 +135,7 @@ std::string initializesAgain(CheckHost& host) {
 }
 
 /// The components' tables, once they are registered.
-const std::vector<DalMgmtSpiComponent_2*> tablesOf(CheckHost& host) {
+std::vector<DalMgmtSpiComponent_2*> tablesOf(CheckHost& host) {
     host.initialize();
     return host.portalRecorder().registered();
 }

@@ -4,20 +4,17 @@
 
 #include "EntryPoints.h"
 
-// Never released, because the thread never ends.
-static sem_t* const never = new sem_t;
+static void* waitForEver(void*) {
+    sem_t never;
+    sem_init(&never, 0, 0);
+    sem_wait(&never);
+    return nullptr;
+}
 
 void damage(GoodComponent& component) {
-    sem_init(never, 0, 0);
     component.component.start = [](DalStateChangeReason reason) {
         pthread_t thread{};
-        pthread_create(
-            &thread, nullptr,
-            [](void* semaphore) -> void* {
-                sem_wait(static_cast<sem_t*>(semaphore));
-                return nullptr;
-            },
-            never);
+        pthread_create(&thread, nullptr, waitForEver, nullptr);
         return GoodComponent::start(reason);
     };
 }
