@@ -7,11 +7,11 @@
 #include <system_error>
 #include <thread>
 
-#include "CheckProcess.h"
 #include "ComponentCheck.h"
 #include "Diagnostics.h"
 #include "Failure.h"
 #include "Interruption.h"
+#include "ItemProcess.h"
 #include "JsonText.h"
 #include "Operation.h"
 #include "Password.h"
@@ -288,7 +288,7 @@ ExitStatus Commands::check() {
     if (settings.isInProcess) {
         results = ComponentCheck::runHere(items, subject, tell);
     } else {
-        const CheckProcess process(checkArguments(subject), std::chrono::seconds(settings.timeLimit));
+        const ItemProcess process(checkArguments(subject), std::chrono::seconds(settings.timeLimit));
         const auto attempt = [&process](const CheckItem& item) { return process.attempt(item); };
         results = ComponentCheck::run(items, std::max(1U, std::thread::hardware_concurrency()), attempt, tell);
     }

@@ -1,4 +1,4 @@
-#include "CheckProcess.h"
+#include "ItemProcess.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -121,13 +121,13 @@ std::optional<CheckResult> resultIn(const std::string& out) {
 
 }  // namespace
 
-CheckProcess::CheckProcess(std::vector<std::string> commandLine, std::chrono::seconds limit)
+ItemProcess::ItemProcess(std::vector<std::string> commandLine, std::chrono::seconds limit)
     : arguments(std::move(commandLine)), timeLimit(limit) {
     const rlimit none{};
     setrlimit(RLIMIT_CORE, &none);
 }
 
-CheckResult CheckProcess::attempt(const CheckItem& item) const {
+CheckResult ItemProcess::attempt(const CheckItem& item) const {
     using Outcome = CheckResult::Outcome;
     Interruption::check();
     std::vector<std::string> words = {"tev-agent"};
