@@ -22,8 +22,8 @@ namespace fs = std::filesystem;
 
 const std::string anything = "\u2026";
 
-// Their texts go to the log or into the help.
-const std::vector<std::string> otherCalls = {
+// The calls, and what is assigned to, whose texts go to the log or into the help.
+const std::vector<std::string> otherNames = {
     "SCHEMA_LOG",    "SCHEMA_LOG_AS",    "SCHEMA_TRACE", "SCHEMA_TRACE_AS", "SCHEMA_TRACE_TO",
     "addCommand",    "add_flag",         "add_option",   "footer",          "logic_error",
     "set_help_flag", "set_version_flag", "app",          "static_assert"};
@@ -104,7 +104,7 @@ std::vector<Sentence> sentencesOfTheSources() {
                 continue;
             }
             for (const SourceText& text : SourceText::in(contents(file.path()))) {
-                if (isSentence(text.text) && !text.isIn(otherCalls) && otherTexts.count(text.text) == 0) {
+                if (isSentence(text.text) && !text.isIn(otherNames) && otherTexts.count(text.text) == 0) {
                     sentences.push_back(
                         {fs::relative(file.path(), TEV_SOURCES).string() + ":" + std::to_string(text.line),
                          shown(text.text)});

@@ -30,9 +30,10 @@ public:
 private:
     /// What a bracket that is open has seen so far.
     struct Bracket {
-        std::string call;                          ///< the name before a parenthesis
-        std::size_t firstText;                     ///< how many texts were found before it
+        std::string call{};                        ///< the name before a parenthesis
+        std::size_t firstText = 0;                 ///< how many texts were found before it
         std::optional<std::size_t> textsAtCode{};  ///< and before the return code in it
+        std::string assigned{};                    ///< the name before the last "=" in it
     };
 
     void step() {
@@ -48,7 +49,7 @@ private:
         } else if (isWord(c)) {
             takeWord();
         } else {
-            takeBracket(c);
+            takeMark(c);
             ++at;
         }
     }
@@ -69,24 +70,25 @@ private:
             takeRawText();
             return;
         }
-        if (word.compare(0, 9, "TevReturn") == 0 && word.size() > 10 && !brackets.empty()) {
+        if (word.compare(0, 9, "TevReturn") == 0 && word.size() > 10) {
             brackets.back().textsAtCode = found.size();
         }
     }
 
-    void takeBracket(char c) {
+    void takeMark(char c) {
         if (c == '(' || c == '{') {
             brackets.push_back({c == '(' ? word : "", found.size()});
-        } else if ((c == ')' || c == '}') && !brackets.empty()) {
+        } else if ((c == ')' || c == '}') && brackets.size() > 1) {
             const Bracket& closed = brackets.back();
             if (c == '}' && closed.textsAtCode) {
                 found.erase(found.begin() + static_cast<std::ptrdiff_t>(closed.firstText),
                             found.begin() + static_cast<std::ptrdiff_t>(*closed.textsAtCode));
             }
             brackets.pop_back();
-        } else if (c == ';' && !brackets.empty()) {
-            brackets.back().firstText = found.size();
-            brackets.back().textsAtCode.reset();
+        } else if (c == ';') {
+            brackets.back() = {brackets.back().call, found.size()};
+        } else if (c == '=') {
+            brackets.back().assigned = word;
         }
         if (!isBlank(c)) {
             word.clear();
@@ -126,8 +128,10 @@ private:
         const auto here = source.begin() + static_cast<std::ptrdiff_t>(at);
         SourceText text{"", static_cast<std::size_t>(std::count(source.begin(), here, '\n')) + 1};
         for (const Bracket& bracket : brackets) {
-            if (!bracket.call.empty()) {
-                text.calls.push_back(bracket.call);
+            for (const std::string& name : {bracket.call, bracket.assigned}) {
+                if (!name.empty()) {
+                    text.names.push_back(name);
+                }
             }
         }
         return text;
@@ -140,8 +144,8 @@ private:
 
     const std::string& source;
     std::size_t at = 0;
-    std::string word;  ///< the name that was passed last, if nothing but blanks came after it
-    std::vector<Bracket> brackets;
+    std::string word;                  ///< the name that was passed last, if nothing but blanks came after it
+    std::vector<Bracket> brackets{1};  ///< the first stands for the whole source
     std::vector<SourceText> found;
 };
 
@@ -151,10 +155,8 @@ std::vector<SourceText> SourceText::in(const std::string& source) {
     return Scanner(source).run();
 }
 
-bool SourceText::isIn(const std::vector<std::string>& names) const {
-    return std::any_of(calls.begin(), calls.end(), [&](const std::string& call) {
-        return std::find(names.begin(), names.end(), call) != names.end();
-    });
+bool SourceText::isIn(const std::vector<std::string>& others) const {
+    return std::find_first_of(names.begin(), names.end(), others.begin(), others.end()) != names.end();
 }
 
 }  // namespace TevTest

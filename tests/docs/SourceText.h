@@ -11,13 +11,14 @@ namespace TevTest {
 struct SourceText {
     std::string text;                  ///< escapes of marks and newlines are replaced, others stay
     std::size_t line = 0;              ///< counted from 1
-    std::vector<std::string> calls{};  ///< the names before the parentheses that it stands in, from the outside
+    std::vector<std::string> names{};  ///< of the calls that it is an argument of, and of what it is assigned to
 
     /// The literals of `source` in their order; none of comments and preprocessor lines. In a braced list that holds a
     /// return code, those before the code are passed over: they are what the code and the text behind it are found by.
     static std::vector<SourceText> in(const std::string& source);
 
-    bool isIn(const std::vector<std::string>& names) const;
+    /// Whether one of `others` is among the names.
+    bool isIn(const std::vector<std::string>& others) const;
 };
 
 }  // namespace TevTest

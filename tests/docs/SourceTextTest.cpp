@@ -42,17 +42,18 @@ TEST(SourceTextTest, leavesOutWhatStandsBeforeAReturnCodeInAList) {
     EXPECT_THAT(textsOf("void f() { say(\"a\"); return TevReturnOk; }"), ElementsAre("a"));
 }
 
-TEST(SourceTextTest, knowsTheLineAndTheCalls) {
-    const std::vector<SourceText> texts =
-        SourceText::in("\nouter([&] { inner(\"a\", g(1)); });\nthrow E(\"b\");\n\"c\";");
-    ASSERT_EQ(texts.size(), 3U);
+TEST(SourceTextTest, knowsTheLineAndWhatTheTextIsFor) {
+    const std::vector<SourceText> texts = SourceText::in(
+        "\nouter([&] { inner(\"a\", g(1)); });\nthrow E(\"b\");\nconst Texts list = {{\"c\"}};\nf(1);\n\"d\";");
+    ASSERT_EQ(texts.size(), 4U);
     EXPECT_EQ(texts[0].line, 2U);
-    EXPECT_THAT(texts[0].calls, ElementsAre("outer", "inner"));
+    EXPECT_THAT(texts[0].names, ElementsAre("outer", "inner"));
     EXPECT_TRUE(texts[0].isIn({"other", "outer"}));
     EXPECT_FALSE(texts[0].isIn({"g"}));
     EXPECT_EQ(texts[1].line, 3U);
-    EXPECT_THAT(texts[1].calls, ElementsAre("E"));
-    EXPECT_THAT(texts[2].calls, ElementsAre());
+    EXPECT_THAT(texts[1].names, ElementsAre("E"));
+    EXPECT_THAT(texts[2].names, ElementsAre("list"));
+    EXPECT_THAT(texts[3].names, ElementsAre());
 }
 
 }  // namespace
