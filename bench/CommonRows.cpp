@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "EmptyCall.h"
-#include "Floor.h"
 #include "Log.h"
 #include "RegularExpression.h"
+#include "Rig.h"
 #include "Row.h"
 #include "Rows.h"
 #include "Stopwatch.h"
@@ -17,7 +17,6 @@ namespace TevBench {
 namespace {
 
 constexpr const char* sourceFile = "bench/CommonRows";
-constexpr const char* parentDn = "ManagedElement=1,SystemFunctions=1,SysM=1";
 constexpr const char* schemaDn = "ManagedElement=1,SystemFunctions=1,SysM=1,Schema=TransportModel";
 
 /// The two patterns of the component, as it uses them.
@@ -38,7 +37,7 @@ struct PatternFloor {
 template <class Side>
 void check(const Side& side, std::size_t count) {
     for (std::size_t i = 0; i < count / 2; ++i) {
-        benchmark::DoNotOptimize(side.isParentDn(parentDn));
+        benchmark::DoNotOptimize(side.isParentDn(Rig::parentDn));
         benchmark::DoNotOptimize(side.isSchemaDn(schemaDn));
     }
 }

@@ -17,7 +17,7 @@ namespace TevBench {
 
 namespace {
 
-/// Both sides find the heap in the same state, without the freed pieces that the other has left.
+/// Joins what the other side has freed, so that both take their blocks out of large pieces.
 void tidyHeap() {
     malloc_trim(0);
 }
@@ -32,10 +32,10 @@ struct Finish {
         tidyHeap();
         for (std::size_t tx = 0; tx < transactionCount; ++tx) {
             for (std::size_t i = 0; i < blockCount / 3; ++i) {
-                side.getMoAttribute(tx, dns.front().c_str(), "version");  // three blocks
+                Rig::read(side, tx, dns.front(), "version");  // three blocks
             }
             for (std::size_t i = 0; i < blockCount % 3; ++i) {
-                side.getMoAttribute(tx, dns.front().c_str(), "baseModelVersion");  // one, since there is none
+                Rig::read(side, tx, dns.front(), "baseModelVersion");  // one, since there is none
             }
         }
         return processorSecondsOf([&] {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,15 @@ public:
 
     /// Throws std::logic_error when the two do not give the same values.
     explicit Rig(std::size_t modelCount);
+
+    /// A read that is part of what is measured. Throws std::runtime_error when it fails: what is not done costs
+    /// nothing.
+    template <class Side>
+    static void read(Side& side, unsigned long txHandle, const std::string& dn, const char* attribute) {
+        if (side.getMoAttribute(txHandle, dn.c_str(), attribute) == nullptr) {
+            throw std::runtime_error("a read fails");
+        }
+    }
     Rig(const Rig&) = delete;
     Rig& operator=(const Rig&) = delete;
 
