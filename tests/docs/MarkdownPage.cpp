@@ -26,6 +26,8 @@ MarkdownPage::MarkdownPage(const std::string& text) {
             if (isInBlock) {
                 blocks.push_back({line.substr(fence.size()), number + 1});
             }
+        } else if (trimmed(line).compare(0, fence.size(), fence) == 0) {
+            throw std::runtime_error("line " + std::to_string(number) + ": a block does not begin with the line");
         } else if (isInBlock) {
             blocks.back().lines.push_back(line);
         } else {

@@ -17,7 +17,7 @@ public:
         std::vector<std::string> lines{};
     };
 
-    /// Throws std::runtime_error when a fence is not closed.
+    /// Throws std::runtime_error when a fence is not closed, or does not begin with its line.
     explicit MarkdownPage(const std::string& text);
 
     std::vector<Block> blocks;

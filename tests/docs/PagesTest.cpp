@@ -20,6 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
 /// The name that a heading is referred to by.
@@ -41,6 +42,11 @@ bool hasAnchor(const fs::path& file, const std::string& anchor) {
                        [&](const std::string& line) { return line[0] == '#' && anchorOf(line) == anchor; });
 }
 
+bool isSession(const MarkdownPage::Block& block) {
+    return std::any_of(block.lines.begin(), block.lines.end(),
+                       [](const std::string& line) { return line.compare(0, 2, "$ ") == 0; });
+}
+
 TEST(PagesTest, referOnlyToWhatIsThere) {
     const std::regex link("\\]\\(([^)#:]*)(?:#([^)]*))?\\)");
     unsigned int links = 0;
@@ -57,6 +63,16 @@ TEST(PagesTest, referOnlyToWhatIsThere) {
         }
     }
     EXPECT_GT(links, 30U);
+}
+
+TEST(PagesTest, showSessionsOnlyInBlocksThatAreTyped) {
+    for (const fs::path& file : pages()) {
+        for (const MarkdownPage::Block& block : MarkdownPage(contents(file)).blocks) {
+            EXPECT_THAT(block.kind, AnyOf("c", "cmake", "console", "cpp", "json", "mermaid", "sh", "xml"))
+                << file << ", line " << block.firstLine;
+            EXPECT_TRUE(block.kind == "console" || !isSession(block)) << file << ", line " << block.firstLine;
+        }
+    }
 }
 
 TEST(PagesTest, tellOfEachVariableOfTheEnvironmentThatIsRead) {
