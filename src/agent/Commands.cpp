@@ -204,7 +204,7 @@ ExitStatus Commands::exportEvery(Agent& agent) {
     std::optional<Failure> lost;
     const auto tell = [&](const ExportResult& result) {
         try {
-            output.write(isTable && !lost ? TableText::of(result) : "");
+            output.write(isTable && !lost ? TableText::of(result, output.screen()) : "");
         } catch (const Failure& e) {
             // The exports go on: that nobody reads of them is no reason to leave some undone.
             lost = e;
@@ -250,7 +250,7 @@ ExitStatus Commands::check(Agent& agent) {
     const bool isPassed = ComponentCheck(agent, checked).run([&](const CheckResult& result) {
         results.push_back(result);
         // A line at once: should the component bring the process down, the lines show where.
-        output.write(isTable ? TableText::of(result) : "");
+        output.write(isTable ? TableText::of(result, output.screen()) : "");
     });
     output.write(isTable ? "" : JsonText::of(results));
     return isPassed ? ExitStatus::Done : ExitStatus::OperationFailed;
@@ -258,7 +258,7 @@ ExitStatus Commands::check(Agent& agent) {
 
 void Commands::write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances) {
     output.write(settings.output == Settings::Output::Json ? JsonText::of(instances)
-                                                           : TableText::of(attributes, instances));
+                                                           : TableText::of(attributes, instances, output.screen()));
 }
 
 }  // namespace TevAgent
