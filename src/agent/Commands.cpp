@@ -1,5 +1,7 @@
 #include "Commands.h"
 
+#include <fnmatch.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -15,6 +17,7 @@
 #include "Password.h"
 #include "SchemaClass.h"
 #include "TableText.h"
+#include "Text.h"
 
 namespace TevAgent {
 
@@ -68,6 +71,15 @@ struct Listing {
     std::vector<std::string> ids;                 ///< each once
     std::map<std::string, std::string> repeated;  ///< ids that stood there several times, for the version that counts
 };
+
+/// The keys that match the shell pattern `filter`; all of them without one.
+std::vector<std::string> matching(std::vector<std::string> keys, const std::string& filter) {
+    const auto isOther = [&](const std::string& key) { return fnmatch(filter.c_str(), key.c_str(), 0) != 0; };
+    if (!filter.empty()) {
+        keys.erase(std::remove_if(keys.begin(), keys.end(), isOther), keys.end());
+    }
+    return keys;
+}
 
 /// Says which models have several versions, and which one is shown or chosen, as `verb` has it, where it is known.
 void sayRepeated(const std::map<std::string, std::string>& repeated, const std::string& verb) {
@@ -125,7 +137,10 @@ ExitStatus Commands::list(Agent& agent) {
     ExitStatus status = ExitStatus::Done;
     std::vector<Instance> instances;
     Operation operation(agent);
-    Listing listing(operation.reader().keys(agent.schemaParent(), SchemaClass::name));
+    Listing listing(matching(operation.reader().keys(agent.schemaParent(), SchemaClass::name), settings.filter));
+    if (listing.ids.empty() && !settings.filter.empty()) {
+        Diagnostics::say("no schema id matches " + Text::quoted(settings.filter) + "; without --filter all are shown");
+    }
     for (const std::string& key : listing.ids) {
         try {
             instances.push_back(operation.reader().read(agent.schemaDn(key), SchemaClass::attributes()));

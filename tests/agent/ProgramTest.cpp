@@ -226,6 +226,44 @@ TEST_F(ProgramTest, listDoesNotDependOnTheOrderOfTheFiles) {
 
 // get
 
+TEST_F(ProgramTest, listShowsTheInstancesThatTheFilterMatches) {
+    EXPECT_EQ(onNode({"list", "--filter", "*"}).out, table);
+    const AgentOutcome some = onNode({"list", "--filter", "*p?rt*"});
+    EXPECT_EQ(some.status, 0);
+    EXPECT_EQ(some.out,
+              "schemaId   identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n"
+              "Transport  Transport   OrvaTransport        2.1.5    3.4               IpSec, Sync\n");
+    EXPECT_EQ(some.err, "");
+    const auto schemas = objectsIn(onNode({"--output=json", "list", "--filter", "[!P]*t"}).out, "schemas");
+    ASSERT_EQ(schemas.size(), 2U);
+    EXPECT_EQ(schemas[0]->getValue<std::string>("schemaId"), "Equipment");
+    EXPECT_EQ(schemas[1]->getValue<std::string>("schemaId"), "Transport");
+}
+
+TEST_F(ProgramTest, aFilterThatMatchesNothingShowsTheTitlesAndSaysSo) {
+    for (const std::string filter : {"plain", "Plai", "lain"}) {
+        const AgentOutcome outcome = onNode({"list", "--filter", filter});
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.out,
+                  "schemaId  identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n");
+        EXPECT_EQ(outcome.err, "tev-agent: no schema id matches \"" + filter + "\"; without --filter all are shown\n");
+    }
+    EXPECT_THAT(objectsIn(onNode({"--output=json", "list", "--filter", "x"}).out, "schemas"), IsEmpty());
+}
+
+TEST_F(ProgramTest, aFilterSaysNothingOfVersionsOfOthers) {
+    node.writeModel("4.xml", R"(<mom name="Transport" version="3"/>)");
+    node.writeModel("5.xml", R"(<mom name="Plain" version="4"/>)");
+    EXPECT_EQ(onNode({"list", "--filter", "P*"}).err,
+              "tev-agent: there are several versions of Plain (shown: the one without a version)\n");
+}
+
+TEST_F(ProgramTest, onlyInstancesThatTheFilterMatchesAreRead) {
+    const std::string library = std::string(TEV_HOSTILE_COMPONENTS) + "/read_fails.so";
+    EXPECT_EQ(onNode({"--component", library, "list"}).status, 1);
+    EXPECT_EQ(onNode({"--component", library, "list", "--filter", "not*"}).status, 0);
+}
+
 TEST_F(ProgramTest, getShowsOneInstanceByItsSchemaId) {
     const AgentOutcome outcome = onNode({"get", "Transport"});
     EXPECT_EQ(outcome.status, 0);
@@ -522,6 +560,8 @@ TEST_F(ProgramTest, anAgentThatCannotStartIsStatus3) {
     expectFailure(onNode({"--component", "/nowhere.so", "list"}), 3,
                   HasSubstr("cannot use component library /nowhere.so: "));
 }
+    expectFailure(onNode({"list", "--filter", ""}), 2, HasSubstr("--filter: the value is empty"));
+    expectFailure(onNode({"get", "Plain", "--filter", "P*"}), 2, HasSubstr("--filter"));
 
 TEST_F(ProgramTest, aNodeThatTheFileSystemRefusesIsStatus3) {
     expectFailure(AgentProcess::run({"--node", "/" + std::string(300, 'x'), "list"}), 3,
