@@ -190,7 +190,9 @@ ExportRun::Export Commands::namedExport(Agent& agent) const {
     const std::string routedClass = agent.router().routedClassOf(dn);
     const bool isSchema = SchemaClass::isClassOf(dn);
     if (!isSchema && (routedClass.empty() || routedClass == SchemaClass::name)) {
-        throw Failure(ExitStatus::OperationFailed, dn + " is no Schema instance, and has no file to export");
+        throw Failure(
+            ExitStatus::OperationFailed,
+            dn + " is no Schema instance, and has no file to export; tev-agent list shows those that have one");
     }
     if (!isSchema) {
         return {dn, dn, std::nullopt};
@@ -211,7 +213,7 @@ ExitStatus Commands::exportEvery(Agent& agent) {
     const std::vector<ExportRun::Export> wanted = everyExport(agent);
     const bool isTable = settings.output == Settings::Output::Table;
     if (wanted.empty()) {
-        Diagnostics::say("there is no model to export");
+        Diagnostics::say("there is no model to export; files of models belong into " + settings.models);
         output.write(isTable ? "" : JsonText::of(std::vector<ExportResult>()));
         return ExitStatus::Done;
     }
