@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <exception>
 #include <string_view>
 
@@ -13,6 +14,8 @@ namespace TevAgent {
 namespace {
 
 thread_local Diagnostics::Capture* innermost = nullptr;
+
+std::atomic<unsigned long> scriptLine{0};  ///< 0 for none
 
 constexpr std::string_view noMemory = "tev-agent: no memory to tell of a failure\n";
 
@@ -37,10 +40,20 @@ void Diagnostics::say(const std::string& sentence) noexcept {
 
 void Diagnostics::sayAtOnce(const std::string& sentence) noexcept {
     try {
-        writeToStandardError("tev-agent: " + Text::escaped(sentence) + "\n");
+        const unsigned long number = scriptLine;
+        const std::string place = number == 0 ? "" : "line " + std::to_string(number) + ": ";
+        writeToStandardError("tev-agent: " + place + Text::escaped(sentence) + "\n");
     } catch (const std::exception&) {
         writeToStandardError(noMemory);
     }
+}
+
+Diagnostics::ScriptLine::ScriptLine(unsigned long number) {
+    scriptLine = number;
+}
+
+Diagnostics::ScriptLine::~ScriptLine() {
+    scriptLine = 0;
 }
 
 Diagnostics::Capture::Capture() : outer(innermost) {
