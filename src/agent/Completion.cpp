@@ -41,7 +41,7 @@ struct Arguments {
 
     std::vector<std::string> positional;
     std::vector<std::string> flags;  ///< options that are there
-    std::string awaiting;             ///< the one whose value comes next, if any
+    std::string awaiting;            ///< the one whose value comes next, if any
     bool areOptionsOver = false;
 };
 

@@ -42,7 +42,8 @@ std::string commonBeginning(const std::vector<std::string>& candidates) {
         common.erase(differing, common.end());
     }
     const auto isInsideCharacter = [&](const std::string& candidate) {
-        return candidate.size() > common.size() && (static_cast<unsigned char>(candidate[common.size()]) & 0xC0U) == 0x80;
+        return candidate.size() > common.size() &&
+               (static_cast<unsigned char>(candidate[common.size()]) & 0xC0U) == 0x80;
     };
     while (!common.empty() && std::any_of(candidates.begin(), candidates.end(), isInsideCharacter)) {
         common.pop_back();
@@ -117,7 +118,8 @@ std::optional<LineSource::Line> LineEditor::next() {
         isDropped = false;
         isInterrupted = false;
         const ThreadLocale forEditing(utf8);
-        el_resize(editor.get());
+        // The library would do so only after the prompt, when the first keys may have been typed.
+        el_set(editor.get(), EL_PREP_TERM, 1);
         int size = 0;
         const char* const typed = el_gets(editor.get(), &size);
         if (typed != nullptr && size > 0) {
@@ -211,7 +213,8 @@ unsigned char LineEditor::completeWord() {
 
 std::vector<std::string> LineEditor::candidates(const ShellWords::Begun& begun) {
     std::vector<std::string> found;
-    // The interrupt key sends its signal meanwhile, and a component that ends the program leaves the terminal as it was.
+    // The interrupt key sends its signal meanwhile, and a component that ends the program leaves the terminal as it
+    // was.
     el_set(editor.get(), EL_PREP_TERM, 0);
     try {
         const ThreadLocale outsideOfEditing(LC_GLOBAL_LOCALE);

@@ -27,8 +27,7 @@ std::optional<LineSource::Line> ScriptReader::next() {
         }
     }
     if (count == -1) {
-        throw Failure(ExitStatus::NotStarted,
-                      "cannot read standard input: " + std::generic_category().message(errno));
+        throw Failure(ExitStatus::NotStarted, "cannot read standard input: " + std::generic_category().message(errno));
     }
     if (!line.text.empty() && line.text.back() == '\r') {
         line.text.pop_back();

@@ -30,9 +30,8 @@ ExitStatus Shell::run() {
     std::unique_ptr<LineSource> lines = std::make_unique<ScriptReader>();
     if (isInteractive) {
         const Completion completion(agent);
-        lines = std::make_unique<LineEditor>([completion](const auto& before, const auto& begun) {
-            return completion.candidates(before, begun);
-        });
+        lines = std::make_unique<LineEditor>(
+            [completion](const auto& before, const auto& begun) { return completion.candidates(before, begun); });
     }
     ExitStatus result = ExitStatus::Done;
     unsigned long number = 0;
