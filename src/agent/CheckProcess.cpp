@@ -1,6 +1,7 @@
 #include "CheckProcess.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,6 +10,7 @@
 #include <csignal>
 #include <cstring>
 #include <system_error>
+#include <utility>
 
 #include "Failure.h"
 #include "Interruption.h"
@@ -16,6 +18,8 @@
 namespace TevAgent {
 
 namespace {
+
+constexpr int pollSlice = 20;  // milliseconds
 
 /// What the program has as its standard descriptors.
 class FileActions {
@@ -58,11 +62,17 @@ ExitStatus CheckProcess::run(const std::vector<std::string>& arguments, const St
     const pid_t id = start(arguments, output);
     int end = 0;
     bool isToldToEnd = false;
-    while (waitpid(id, &end, 0) == -1 && errno == EINTR) {
-        if (Interruption::isFinal() && !isToldToEnd) {
-            isToldToEnd = true;
+    pid_t seen = 0;
+    while ((seen = waitpid(id, &end, WNOHANG)) == 0) {
+        if (Interruption::isFinal() && !std::exchange(isToldToEnd, true)) {
             kill(id, SIGTERM);
         }
+        // Not for the child alone: a signal may come just before the wait, or to another thread.
+        poll(nullptr, 0, pollSlice);
+    }
+    if (seen == -1) {
+        throw Failure(ExitStatus::OperationFailed,
+                      "how the check ended is not known: " + std::generic_category().message(errno));
     }
     if (WIFSIGNALED(end)) {
         throw Failure(ExitStatus::OperationFailed, std::string("the check was ended: ") + strsignal(WTERMSIG(end)));

@@ -93,7 +93,7 @@ LineEditor::LineEditor(Completer lineCompleter)
     el_set(line, EL_GETCFN, read);
     // At the prompt the keys that send signals are read like any other.
     el_set(line, EL_SETTY, "-d", "-isig", nullptr);
-    el_set(line, EL_ADDFN, "tev-complete", "Completes a word", complete);
+    el_wset(line, EL_ADDFN, L"tev-complete", L"Completes a word", complete);  // el_set makes copies and loses them
     el_set(line, EL_BIND, "^I", "tev-complete", nullptr);
     el_set(line, EL_BIND, "^R", "em-inc-search-prev", nullptr);
     HistEvent event{};

@@ -27,11 +27,11 @@ std::string reasonOf(int error) {
 
 ShellHistory::ShellHistory() {
     const std::filesystem::path folder = Tev::StateFolder::path();
-    file = folder / "history";
     if (folder.empty()) {
         giveUp("there is no folder for it; set TEV_STATE_DIR");
         return;
     }
+    file = folder / "history";
     try {
         Tev::StateFolder::make(folder);
         read();

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "EnvironmentVariable.h"
 #include "FileText.h"
@@ -67,7 +68,8 @@ TEST_F(ShellHistoryTest, keepsNoLineThatBeginsWithABlankNorOneThatMayHoldAPasswo
     for (const char* kept : {"list", "export --all sftp://u@h:22/p/", "export A sftp://h/p", "get A=b"}) {
         EXPECT_TRUE(ShellHistory::isKept(kept)) << kept;
     }
-    for (const char* secret : {"", " list", "\tlist", "export A sftp://u:secret@h/p", "export A 'sftp://u:p w@h:22/'"}) {
+    for (const char* secret :
+         {"", " list", "\tlist", "export A sftp://u:secret@h/p", "export A 'sftp://u:p w@h:22/'"}) {
         EXPECT_FALSE(ShellHistory::isKept(secret)) << secret;
     }
 }
@@ -80,6 +82,19 @@ TEST_F(ShellHistoryTest, aFileThatCannotBeUsedIsSaidOnceAndNoFailure) {
     history.add("list");
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "tev-agent: the history " + file + " cannot be kept: Is a directory\n");
+}
+
+TEST_F(ShellHistoryTest, anEnvironmentThatNamesNoFolderIsSaidAndNoFailure) {
+    ASSERT_TRUE(geteuid() != 0 || seteuid(65534) == 0);
+    const TevTest::EnvironmentVariable none("TEV_STATE_DIR", {});
+    const TevTest::EnvironmentVariable base("XDG_STATE_HOME", {});
+    const TevTest::EnvironmentVariable homeless("HOME", {});
+    testing::internal::CaptureStderr();
+    ShellHistory history;
+    history.add("list");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "tev-agent: the history cannot be kept: there is no folder for it; set TEV_STATE_DIR\n");
+    ASSERT_TRUE(getuid() != 0 || seteuid(0) == 0);
 }
 
 TEST_F(ShellHistoryTest, aFileThatIsLostLaterIsSaidOnce) {

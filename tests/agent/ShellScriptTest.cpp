@@ -24,7 +24,9 @@ const std::string version = "version\n2.1.5\n";
 
 class ShellScriptTest : public testing::Test {
 protected:
-    static std::string fault(const std::string& name) { return std::string(TEV_HOSTILE_COMPONENTS) + "/" + name + ".so"; }
+    static std::string fault(const std::string& name) {
+        return std::string(TEV_HOSTILE_COMPONENTS) + "/" + name + ".so";
+    }
 
     std::vector<std::string> arguments(const std::vector<std::string>& options) const {
         std::vector<std::string> all = {"--node", node.path(), "shell"};
@@ -48,7 +50,8 @@ protected:
 };
 
 TEST_F(ShellScriptTest, writesTheResultsOfEachLineAndNothingElse) {
-    const AgentOutcome outcome = run("get Transport version\n\n  # what follows is the same\nget 'Transport' \"version\" # again\n");
+    const AgentOutcome outcome =
+        run("get Transport version\n\n  # what follows is the same\nget 'Transport' \"version\" # again\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, version + version);
     EXPECT_EQ(outcome.err, "");
@@ -61,7 +64,8 @@ TEST_F(ShellScriptTest, startsTheComponentsOnceAndStopsThemAtTheEnd) {
 }
 
 TEST_F(ShellScriptTest, namesTheLineThatFailsAndGoesOn) {
-    const AgentOutcome outcome = run("get Transport version\nget Nothing\n\nget Transport nothing\nget Transport version\n");
+    const AgentOutcome outcome =
+        run("get Transport version\nget Nothing\n\nget Transport nothing\nget Transport version\n");
     EXPECT_EQ(outcome.out, version + version);
     EXPECT_EQ(outcome.err, "tev-agent: line 2: there is no " + TestNode::schemaDn("Nothing") + "\ntev-agent: line 4: " +
                                TestNode::schemaDn("Transport") + " has no attribute nothing\n");
@@ -76,15 +80,17 @@ TEST_F(ShellScriptTest, theStatusIsThatOfTheFirstLineThatFails) {
 TEST_F(ShellScriptTest, namesTheLineOfAnInstanceThatCannotBeReadToo) {
     const AgentOutcome outcome = run("# first\nlist\n", {"--component", fault("read_throws_int")});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.err, StartsWith("tev-agent: line 2: cannot read attribute version of " + TestNode::schemaDn("one")));
+    EXPECT_THAT(outcome.err,
+                StartsWith("tev-agent: line 2: cannot read attribute version of " + TestNode::schemaDn("one")));
     EXPECT_THAT(outcome.out, HasSubstr("\nvalue")) << "the others are shown";
 }
 
 TEST_F(ShellScriptTest, refusesAnOptionOfTheNodeOnALine) {
     const AgentOutcome outcome = run("list --node elsewhere\n");
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.err,
-              "tev-agent: line 1: --node holds for the whole shell, and stands before its name (help shows the usage)\n");
+    EXPECT_EQ(
+        outcome.err,
+        "tev-agent: line 1: --node holds for the whole shell, and stands before its name (help shows the usage)\n");
 }
 
 TEST_F(ShellScriptTest, theOutputOfALineGoesBeforeThatOfTheShell) {
@@ -114,9 +120,9 @@ TEST_F(ShellScriptTest, thePasswordOfALineIsTheNextLine) {
             {"--component", fault("exports_as_told")});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err,
-              "export " + TestNode::schemaDn("one") + " (type 9, 1: sftp://quiet/p) (type 9, 1: list)\nexport " +
-                  TestNode::schemaDn("two") + " (type 9, 1: sftp://quiet/p) (type 9, 1: secret)\n");
+    EXPECT_EQ(outcome.err, "export " + TestNode::schemaDn("one") +
+                               " (type 9, 1: sftp://quiet/p) (type 9, 1: list)\nexport " + TestNode::schemaDn("two") +
+                               " (type 9, 1: sftp://quiet/p) (type 9, 1: secret)\n");
 }
 
 TEST_F(ShellScriptTest, aLineMayEndAsElsewhereAndTheLastOneNotAtAll) {
@@ -164,8 +170,8 @@ TEST_F(ShellScriptTest, carriesALineOutBeforeTheNextOneIsThere) {
 }
 
 TEST_F(ShellScriptTest, aComponentThatCallsExitEndsTheShell) {
-    const AgentOutcome outcome = run("get one version\nget two version\nget one version\n",
-                                     {"--component", fault("exits_from_read")});
+    const AgentOutcome outcome =
+        run("get one version\nget two version\nget one version\n", {"--component", fault("exits_from_read")});
     EXPECT_EQ(outcome.status, 3);
     EXPECT_EQ(outcome.err, "tev-agent: line 2: component TevSchemaMoService called exit in getMoAttribute\n");
 }
@@ -180,7 +186,8 @@ TEST_F(ShellScriptTest, checksInAProgramOfItsOwn) {
 }
 
 TEST_F(ShellScriptTest, aCheckThatFailsIsSaidWithItsLine) {
-    const AgentOutcome outcome = run("get Transport version\ncheck " + fault("start_fails") + "\nget Transport version\n");
+    const AgentOutcome outcome =
+        run("get Transport version\ncheck " + fault("start_fails") + "\nget Transport version\n");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.out, AllOf(StartsWith(version), HasSubstr("failed"), EndsWith(version)));
     EXPECT_THAT(outcome.err, EndsWith("tev-agent: line 2: the check ended with status 1\n"));

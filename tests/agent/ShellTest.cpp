@@ -81,7 +81,9 @@ protected:
                                                 : std::vector<std::string>{"--component", fault(component)});
     }
 
-    static std::string fault(const std::string& name) { return std::string(TEV_HOSTILE_COMPONENTS) + "/" + name + ".so"; }
+    static std::string fault(const std::string& name) {
+        return std::string(TEV_HOSTILE_COMPONENTS) + "/" + name + ".so";
+    }
 
     TestNode node;
     const TempFolder folder;
