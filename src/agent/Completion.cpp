@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <system_error>
 
@@ -90,7 +91,8 @@ std::vector<std::string> Completion::candidates(const std::vector<std::string>& 
 
 bool Completion::isWhole(const std::string& candidate) {
     const bool isDn = candidate.find('=') != std::string::npos;
-    return isDn ? SchemaClass::isClassOf(candidate) : candidate.back() != '/';
+    const bool isFolder = !candidate.empty() && candidate.back() == '/';
+    return isDn ? SchemaClass::isClassOf(candidate) : !isFolder;
 }
 
 std::vector<std::string> Completion::all(const std::vector<std::string>& before, const std::string& begun) const {
@@ -111,9 +113,8 @@ std::vector<std::string> Completion::all(const std::vector<std::string>& before,
     }
     if (!arguments.areOptionsOver && begun.substr(0, 1) == "-") {
         std::vector<std::string> names;
-        for (const auto& [name, takesValue] : options) {
-            names.push_back(name);
-        }
+        std::transform(options.begin(), options.end(), std::back_inserter(names),
+                       [](const auto& option) { return option.first; });
         return names;
     }
     const std::vector<std::string>& positional = arguments.positional;
@@ -145,9 +146,8 @@ std::vector<std::string> Completion::targets(const std::string& begun) const {
         }
     }
     std::vector<std::string> found;
-    for (const std::string& rdn : rdns) {
-        found.push_back((parentDn.empty() ? "" : parentDn + ",") + rdn);
-    }
+    std::transform(rdns.begin(), rdns.end(), std::back_inserter(found),
+                   [&](const std::string& rdn) { return (parentDn.empty() ? "" : parentDn + ",") + rdn; });
     if (begun.find('=') == std::string::npos) {
         try {
             append(found, keys(agent.schemaParent(), SchemaClass::name));

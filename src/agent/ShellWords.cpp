@@ -128,11 +128,10 @@ std::optional<ShellWords::Begun> ShellWords::begun(std::string_view line) {
 std::string ShellWords::continued(std::string_view text, Quote quote) {
     std::string result;
     for (const char character : text) {
-        if (quote == Quote::Single && character == '\'') {
-            result += "'\\'";
-        } else if (quote != Quote::Single && (character == '"' || character == '\\')) {
-            result += '\\';
-        } else if (quote == Quote::None && (isBlank(character) || character == '\'' || character == '#')) {
+        if (quote == Quote::Single) {
+            result += character == '\'' ? "'\\'" : "";
+        } else if (character == '"' || character == '\\' ||
+                   (quote == Quote::None && (isBlank(character) || character == '\'' || character == '#'))) {
             result += '\\';
         }
         result += character;
