@@ -1,13 +1,13 @@
-#include <benchmark/benchmark.h>
 #include <regex.h>
 
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 
 #include "EmptyCall.h"
-#include "Floor.h"
 #include "Log.h"
 #include "RegularExpression.h"
+#include "Rig.h"
 #include "Row.h"
 #include "Rows.h"
 #include "Stopwatch.h"
@@ -17,10 +17,9 @@ namespace TevBench {
 namespace {
 
 constexpr const char* sourceFile = "bench/CommonRows";
-constexpr const char* parentDn = "ManagedElement=1,SystemFunctions=1,SysM=1";
 constexpr const char* schemaDn = "ManagedElement=1,SystemFunctions=1,SysM=1,Schema=TransportModel";
 
-/// The two patterns of the component, as it uses them.
+/// The two patterns of the component, copied from there.
 struct Patterns {
     static constexpr int flags = REG_EXTENDED | REG_NOSUB;
     const Tev::RegularExpression parent{"^ManagedElement=.*,SystemFunctions=.*,SysM=.*$", flags};
@@ -38,8 +37,9 @@ struct PatternFloor {
 template <class Side>
 void check(const Side& side, std::size_t count) {
     for (std::size_t i = 0; i < count / 2; ++i) {
-        benchmark::DoNotOptimize(side.isParentDn(parentDn));
-        benchmark::DoNotOptimize(side.isSchemaDn(schemaDn));
+        if (!side.isParentDn(Rig::parentDn) || !side.isSchemaDn(schemaDn)) {
+            throw std::logic_error("a DN does not match");
+        }
     }
 }
 

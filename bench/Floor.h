@@ -51,9 +51,6 @@ public:
     static bool isParentDn(const char* dn);
     static bool isSchemaDn(const char* dn);
 
-    /// The index of the record, or -1.
-    int find(std::string schemaId) const;
-
 private:
     struct Transaction {
         std::list<void*> memoryBlocks;
@@ -61,6 +58,7 @@ private:
     };
 
     void start();
+    int find(std::string schemaId) const;  // the index, or -1
     void fill(Record& record, DalOamSpiMrMomHandle_4T mom) const;
     void addMemory(unsigned long txHandle, void* block);
     template <class T>

@@ -167,6 +167,9 @@ std::vector<BenchModel> Framework::models(std::size_t count) {
                         orvaValue(example, "orvaMomVersion"), orvaValue(example, "orvaMomRelease"),
                         orvaValue(example, "orvaMomCorrection"), example.features, "/var/lib/models/" + name + ".xml"});
     }
+    if (!list.empty() && list.front().orvaVersion && list.front().orvaRelease) {
+        throw std::logic_error("the first model of the example node has a base model version");
+    }
     return list;
 }
 

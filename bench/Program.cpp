@@ -21,7 +21,7 @@ double seconds(const timeval& time) {
 
 }  // namespace
 
-ProgramTimes run(const std::vector<std::string>& words) {
+ProgramTimes run(const std::vector<std::string>& words, const std::string& output) {
     std::vector<char*> arguments;
     for (const std::string& word : words) {
         arguments.push_back(const_cast<char*>(word.c_str()));
@@ -29,7 +29,7 @@ ProgramTimes run(const std::vector<std::string>& words) {
     arguments.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     int status = -1;
     rusage usage{};
     const double elapsed = secondsOf([&] {

@@ -12,8 +12,9 @@ struct ProgramTimes {
     double processor;  ///< by the user and by the system for it
 };
 
-/// Runs a program, `words[0]` is its path, with its output thrown away. Throws std::runtime_error when it fails.
-ProgramTimes run(const std::vector<std::string>& words);
+/// Runs a program, `words[0]` is its path. Its output goes to the file `output`. Throws std::runtime_error when it
+/// fails.
+ProgramTimes run(const std::vector<std::string>& words, const std::string& output = "/dev/null");
 
 }  // namespace TevBench
 

@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -15,15 +16,15 @@ using Dns = std::vector<std::string>;
 
 constexpr std::size_t readsOfTransaction = 6;
 
-/// Reads one string of `count` instances after the first-th, six in a transaction. The handles of different threads
-/// differ.
+/// Reads one string of one instance after the other, `count` in all, six in a transaction. The handles of different
+/// threads differ.
 template <class Side>
 void readOneEach(Side& side, const Dns& dns, unsigned long txHandle, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         if (i % readsOfTransaction == 0) {
             side.join(txHandle);
         }
-        side.getMoAttribute(txHandle, dns[i % dns.size()].c_str(), "version");
+        Rig::read(side, txHandle, dns[i % dns.size()], "version");
         if (i % readsOfTransaction == readsOfTransaction - 1) {
             side.finish(txHandle);
         }
@@ -84,12 +85,12 @@ struct ReadAll {
             side.join(1);
             for (const std::string& dn : dns) {
                 for (const char* const attribute : Rig::attributes) {
-                    side.getMoAttribute(1, dn.c_str(), attribute);
+                    Rig::read(side, 1, dn, attribute);
                 }
             }
             side.finish(1);
         });
-        return seconds / static_cast<double>(dns.size() * readsOfTransaction);
+        return seconds / static_cast<double>(dns.size() * std::size(Rig::attributes));
     }
 };
 
@@ -98,7 +99,7 @@ double secondsToFind(Side& side, const std::string& dn) {
     constexpr std::size_t count = 50;
     return processorSecondsOf([&] {
                for (std::size_t i = 0; i < count; ++i) {
-                   side.getMoAttribute(1, dn.c_str(), "version");
+                   Rig::read(side, 1, dn, "version");
                    side.finish(1);
                }
            }) /

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,18 @@ public:
     explicit Rig(std::size_t modelCount);
     Rig(const Rig&) = delete;
     Rig& operator=(const Rig&) = delete;
+
+    /// The DN of the model's instance.
+    static std::string dnOf(const BenchModel& model);
+
+    /// A read that is part of what is measured. Throws std::runtime_error when it fails: what is not done costs
+    /// nothing.
+    template <class Side>
+    static void read(Side& side, unsigned long txHandle, const std::string& dn, const char* attribute) {
+        if (side.getMoAttribute(txHandle, dn.c_str(), attribute) == nullptr) {
+            throw std::runtime_error("a read fails");
+        }
+    }
 
     /// The sides of a row whose work is the same code for both: a function object `work(side, dns)` that takes a
     /// `StartedComponent&` or a `Floor&` and the DNs of all instances.

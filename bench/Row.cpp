@@ -28,12 +28,10 @@ double upperQuartile(const std::vector<double>& values) {
     return sorted(values)[values.size() - 1 - (values.size() - 1) / 4];
 }
 
-void measure(benchmark::State& state, const Sides& sides, Target target) {
+void measure(benchmark::State& state, const Sides& sides, Target target, bool& isFloorFirst) {
     std::vector<double> components;
     std::vector<double> floors;
     std::vector<double> ratios;
-    // Goes on from one measurement to the next, for those of a single pair.
-    static bool isFloorFirst = false;
     for ([[maybe_unused]] auto iteration : state) {
         const double first = isFloorFirst ? sides.floor() : sides.component();
         const double second = isFloorFirst ? sides.component() : sides.floor();
@@ -53,9 +51,10 @@ void measure(benchmark::State& state, const Sides& sides, Target target) {
 
 benchmark::internal::Benchmark* add(const std::string& name, Target target, const std::function<Sides()>& setUp,
                                     const char* unit) {
-    const auto run = [=](benchmark::State& state) {
+    // The sides take turns from one measurement to the next, too: some are of a single pair.
+    const auto run = [=, isFloorFirst = false](benchmark::State& state) mutable {
         try {
-            measure(state, setUp(), target);
+            measure(state, setUp(), target, isFloorFirst);
             state.SetLabel(unit);
         } catch (const std::exception& e) {
             state.SkipWithError(e.what());

@@ -36,7 +36,7 @@ inline Target noTarget() {
 /// measurement, and is not part of it. `unit` is that of the costs: "s", "B" or empty.
 void addRow(const std::string& name, Target target, const std::function<Sides()>& setUp, const char* unit = "s");
 
-/// The same for costs of seconds each: a measurement is of so many pairs, however long they take.
+/// The same with a measurement of so many pairs, however long they take.
 void addLongRow(const std::string& name, Target target, int pairs, const std::function<Sides()>& setUp);
 
 }  // namespace TevBench

@@ -35,7 +35,7 @@ double secondsOf(const Work& work) {
 }
 
 /// The seconds from a common start until all of `count` threads are through with `work`, which is given the number of
-/// its thread. It does not throw.
+/// its thread. What it throws ends the program.
 template <class Work>
 double secondsOfThreads(std::size_t count, const Work& work) {
     using Clock = std::chrono::steady_clock;

@@ -2,10 +2,12 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <exception>
 #include <string_view>
 
 #include "Descriptor.h"
+#include "Screen.h"
 #include "Text.h"
 
 namespace TevAgent {
@@ -13,6 +15,8 @@ namespace TevAgent {
 namespace {
 
 thread_local Diagnostics::Capture* innermost = nullptr;
+
+std::atomic<unsigned long> scriptLine{0};  ///< 0 for none
 
 constexpr std::string_view noMemory = "tev-agent: no memory to tell of a failure\n";
 
@@ -37,10 +41,21 @@ void Diagnostics::say(const std::string& sentence) noexcept {
 
 void Diagnostics::sayAtOnce(const std::string& sentence) noexcept {
     try {
-        writeToStandardError("tev-agent: " + Text::escaped(sentence) + "\n");
+        const unsigned long number = scriptLine;
+        const std::string place = number == 0 ? "" : "line " + std::to_string(number) + ": ";
+        const std::string prefix = Screen::of(STDERR_FILENO).emphasised(Screen::Emphasis::Title, "tev-agent:");
+        writeToStandardError(prefix + " " + place + Text::escaped(sentence) + "\n");
     } catch (const std::exception&) {
         writeToStandardError(noMemory);
     }
+}
+
+Diagnostics::ScriptLine::ScriptLine(unsigned long number) {
+    scriptLine = number;
+}
+
+Diagnostics::ScriptLine::~ScriptLine() {
+    scriptLine = 0;
 }
 
 Diagnostics::Capture::Capture() : outer(innermost) {

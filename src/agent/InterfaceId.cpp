@@ -42,9 +42,4 @@ bool InterfaceId::meets(const InterfaceId& wanted) const {
     return component == wanted.component && name == wanted.name && isAtLeast(version, wanted.version);
 }
 
-bool InterfaceId::names(const DalMgmtSpiInterface_1& descriptor) const {
-    return component == descriptor.componentName && name == descriptor.interfaceName &&
-           version == descriptor.interfaceVersion;
-}
-
 }  // namespace TevAgent

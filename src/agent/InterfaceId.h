@@ -21,9 +21,6 @@ struct InterfaceId {
     /// are decimal numbers of any length; a text that is none is met only by itself.
     bool meets(const InterfaceId& wanted) const;
 
-    /// Whether `descriptor`, whose texts are all there, has exactly these texts.
-    bool names(const DalMgmtSpiInterface_1& descriptor) const;
-
     std::string component;
     std::string name;
     std::string version;

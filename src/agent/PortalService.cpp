@@ -29,6 +29,16 @@ DalPortal_3 PortalService::Table::portal = {{componentName, "DalPortal", "3"},
                                             TableEntry<&PortalService::unregisterComponent>::call};
 DalPortalAccessor PortalService::Table::accessor = {getPortal};
 
+namespace {
+
+bool isSame(const DalMgmtSpiInterface_1& left, const DalMgmtSpiInterface_1& right) {
+    return std::strcmp(left.componentName, right.componentName) == 0 &&
+           std::strcmp(left.interfaceName, right.interfaceName) == 0 &&
+           std::strcmp(left.interfaceVersion, right.interfaceVersion) == 0;
+}
+
+}  // namespace
+
 PortalService::PortalService() {
     offer(Table::portal.base);
 }
@@ -42,18 +52,18 @@ void PortalService::offer(DalMgmtSpiInterface_1& table) {
     offers.push_back(&table);
 }
 
-DalMgmtSpiInterface_1* PortalService::find(const InterfaceId& wanted) const {
-    const auto isWanted = [&wanted](const DalMgmtSpiInterface_1* table) { return wanted.names(*table); };
+DalMgmtSpiInterface_1* PortalService::find(const DalMgmtSpiInterface_1& wanted) const {
     const Tev::AnnotatedLock lock(mutex);
-    const auto own = std::find_if(offers.begin(), offers.end(), isWanted);
-    if (own != offers.end()) {
-        return *own;
+    for (DalMgmtSpiInterface_1* const table : offers) {
+        if (isSame(*table, wanted)) {
+            return table;
+        }
     }
     for (const std::shared_ptr<Component>& component : components) {
-        const std::vector<DalMgmtSpiInterface_1*> tables = component->offers();
-        const auto found = std::find_if(tables.begin(), tables.end(), isWanted);
-        if (found != tables.end()) {
-            return *found;
+        for (DalMgmtSpiInterface_1** entry = component->table().interfaceArray; *entry != nullptr; ++entry) {
+            if (isSame(**entry, wanted)) {
+                return *entry;
+            }
         }
     }
     return nullptr;
@@ -68,7 +78,7 @@ TevReturnT PortalService::getInterface(const char* component, const char* interf
     if (component == nullptr || interfaceName == nullptr || version == nullptr) {
         return TevReturnInvalidArgument;
     }
-    *result = find(InterfaceId(component, interfaceName, version));
+    *result = find({component, interfaceName, version});
     return *result == nullptr ? TevReturnNotFound : TevReturnOk;
 }
 

@@ -29,8 +29,8 @@ public:
     /// Offers one of the agent's own tables.
     void offer(DalMgmtSpiInterface_1& table);
 
-    /// The table that is offered under exactly this name and version, or null.
-    DalMgmtSpiInterface_1* find(const InterfaceId& wanted) const;
+    /// The table that is offered under exactly these names and this version, which are all there; or null.
+    DalMgmtSpiInterface_1* find(const DalMgmtSpiInterface_1& wanted) const;
 
     /// As the portal's table gives it: 0, -2 (nothing of exactly that version) or -8 (a null argument).
     TevReturnT getInterface(const char* component, const char* interfaceName, const char* version, void** result);

@@ -54,9 +54,10 @@ TevReturnT RecordingPortal::getInterface(const char* component, const char* inte
                                          void** result) {
     if (component != nullptr && interfaceName != nullptr && version != nullptr) {
         const Tev::AnnotatedLock lock(mutex);
-        const DalMgmtSpiInterface_1 id = {component, interfaceName, version};
-        if (std::none_of(wanted.begin(), wanted.end(), [&id](const InterfaceId& other) { return other.names(id); })) {
-            wanted.emplace_back(id);
+        const InterfaceId id(component, interfaceName, version);
+        const auto isSame = [&id](const InterfaceId& other) { return other.text() == id.text(); };
+        if (std::none_of(wanted.begin(), wanted.end(), isSame)) {
+            wanted.push_back(id);
         }
         if (isRefused && result != nullptr) {
             *result = nullptr;

@@ -25,7 +25,9 @@ public:
     const Route* ofClass(std::string_view parentDn, std::string_view className) const;
 
 private:
-    const Route* find(const std::vector<std::string>& parents, std::string_view className) const;
+    /// The route of that class for which `isExact`, else the first of that class, or null.
+    template <class IsExact>
+    const Route* find(std::string_view className, const IsExact& isExact) const;
 
     const std::vector<Route> routes;
 };

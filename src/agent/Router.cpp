@@ -198,11 +198,12 @@ std::string Router::ownerOf(const std::string& parentDn, const std::string& clas
 
 TevReturnT Router::reach(unsigned long txHandle, const Route& route, DalOamSpiManagedObject_1*& owner) {
     // Registered tables are checked: whoever offers managed objects takes part in transactions too.
-    DalMgmtSpiInterface_1* const objects = portal.find({route.component, "DalOamSpiManagedObject", "1"});
-    DalMgmtSpiInterface_1* const resource = portal.find({route.component, "DalOamSpiTransactionalResource", "2"});
+    DalMgmtSpiInterface_1* const objects = portal.find({route.component.c_str(), "DalOamSpiManagedObject", "1"});
+    DalMgmtSpiInterface_1* const resource =
+        portal.find({route.component.c_str(), "DalOamSpiTransactionalResource", "2"});
     if (objects == nullptr || resource == nullptr) {
         Diagnostics::say("class " + route.className + " belongs to component " + route.component +
-                         ", which is not there or offers no managed objects");
+                         ", which is not there or offers no managed objects; --component loads it");
         return TevReturnNotFound;
     }
     owner = reinterpret_cast<DalOamSpiManagedObject_1*>(objects);

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+#include "Screen.h"
+
 namespace TevAgent {
 
 /// The way results leave the program, and nothing else does: once this object is made, whatever is written to
@@ -19,8 +21,14 @@ public:
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
 
+    /// Where results are shown, as it is just now.
+    Screen screen() const { return Screen::of(descriptor); }
+
     /// Writes all of `text` at once. Throws `Failure` (operation failed) with the reason.
     void write(std::string_view text);
+
+    /// The descriptor that is written to, for a program that is given it as its standard output; -1 when there is none.
+    int get() const { return descriptor; }
 
     /// Ends the output. Throws `Failure` (operation failed) when the system tells only now that something was lost.
     void close();

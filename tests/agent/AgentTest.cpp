@@ -53,7 +53,7 @@ TEST_F(AgentTest, offersEveryServiceToComponentsAndTheCommonLibrary) {
             0)
             << service.text();
         ASSERT_NE(table, nullptr) << service.text();
-        EXPECT_TRUE(service.names(*static_cast<DalMgmtSpiInterface_1*>(table))) << service.text();
+        EXPECT_EQ(InterfaceId(*static_cast<DalMgmtSpiInterface_1*>(table)).text(), service.text());
     }
 }
 

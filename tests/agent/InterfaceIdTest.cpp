@@ -38,14 +38,6 @@ TEST(InterfaceIdTest, anotherComponentOrInterfaceDoesNotMeetIt) {
     EXPECT_FALSE(InterfaceId("C", "I", "2").meets(InterfaceId("C", "J", "1")));
 }
 
-TEST(InterfaceIdTest, namesADescriptorOfExactlyItsTexts) {
-    const DalMgmtSpiInterface_1 descriptor = {"C", "I", "2"};
-    EXPECT_TRUE(InterfaceId("C", "I", "2").names(descriptor));
-    EXPECT_FALSE(InterfaceId("C", "I", "1").names(descriptor));
-    EXPECT_FALSE(InterfaceId("C", "J", "2").names(descriptor));
-    EXPECT_FALSE(InterfaceId("D", "I", "2").names(descriptor));
-}
-
 TEST(InterfaceIdTest, itsTextNamesComponentInterfaceAndVersion) {
     EXPECT_EQ(InterfaceId(DalMgmtSpiInterface_1{"C", "I", "2"}).text(), "C/I version 2");
 }

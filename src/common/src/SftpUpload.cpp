@@ -45,6 +45,12 @@ SftpUpload::SftpUpload(const TransferSettings& given)
 
 void SftpUpload::run() {
     SftpSession session(settings, knownHosts, local, time);
+    connect(session);
+    put(session);
+    bringIntoPlace(session);
+}
+
+void SftpUpload::connect(SftpSession& session) {
     if (!session.connect()) {
         throw notConnected(session);
     }
@@ -54,7 +60,9 @@ void SftpUpload::run() {
     if (time.stop() != Stop::None) {
         throw stopped();
     }
+}
 
+void SftpUpload::put(SftpSession& session) {
     const bool isSent = session.runUntilStop(remote.putCommand());
     const Words putWords = session.takeWords();
     if (time.stop() != Stop::None) {
@@ -72,7 +80,9 @@ void SftpUpload::run() {
             TevException("the local file %s changed during the transfer", printable(settings.localFile).c_str()),
             remove(session));
     }
+}
 
+void SftpUpload::bringIntoPlace(SftpSession& session) {
     const bool isRenamed = session.run(remote.renameCommand());
     const Words renameWords = session.takeWords();
     const bool isStopped = time.stop() != Stop::None;

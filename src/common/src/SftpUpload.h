@@ -32,6 +32,11 @@ public:
 private:
     enum class Removal { Done, NotThere, Failed, NotAnswered };
 
+    // The steps of a run; each throws what ends it, and has removed the temporary file then.
+    void connect(SftpSession& session);
+    void put(SftpSession& session);
+    void bringIntoPlace(SftpSession& session);
+
     bool hasLocalChanged() const;
     TevException notConnected(SftpSession& session);
     TevException stopped();
