@@ -36,7 +36,7 @@ _tev_agent() {
         case ${words[i]} in
             --node | --models | --objects)
                 option=${words[i]}
-                ((++i < last)) && node+=("$option" "${words[i]/#~\//$HOME/}") && option=
+                ((++i < last)) && node+=("$option" "${words[i]/#\~\//"$HOME/"}") && option=
                 ;;
             --node=* | --models=* | --objects=*) node+=("${words[i]}") ;;
             --component | --config | --log-file | --log-level | --output | --jobs | --password-file | --filter | --only | \

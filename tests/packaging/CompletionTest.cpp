@@ -77,6 +77,9 @@ TEST(CompletionTest, offersTheSchemaIdsOfTheNode) {
     EXPECT_THAT(offered({"--node", "=", TEV_EXAMPLE_NODE, "export", "T"}), ElementsAre("TransportModel"));
     EXPECT_THAT(offered({"--models", TEV_EXAMPLE_NODE "/models", "get", "--output", "json", "T"}),
                 ElementsAre("TransportModel"));
+    ChildProcess::Setting atHome;
+    atHome.environment["HOME"] = TEV_EXAMPLE_NODE;
+    EXPECT_THAT(offered({"--models", "~/models", "get", "T"}, atHome), ElementsAre("TransportModel"));
     EXPECT_THAT(offered({"get", ""}), IsEmpty());
     EXPECT_THAT(offered({"--node", TEV_EXAMPLE_NODE, "export", "--all", ""}), IsEmpty());
 }
