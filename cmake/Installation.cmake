@@ -2,12 +2,17 @@
 
 include(CMakePackageConfigHelpers)
 
-# An installed tree may be moved as a whole: its parts find each other from where they are.
+# Programs and components find the libraries from where they are, in the folders of a build as in an installed tree, which may
+# be moved as a whole. What is installed is what was built: rewriting the run path at installation would have the built
+# files look in the current folder, too.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
     OUTPUT_VARIABLE libraries_from_programs)
-set_target_properties(tev_agent PROPERTIES INSTALL_RPATH $ORIGIN/${libraries_from_programs})
-set_target_properties(tev_schema_populator PROPERTIES INSTALL_RPATH $ORIGIN/..)
-set_target_properties(tev_agent tev_schema_populator tev_common PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
+set(run_path $ORIGIN/../lib $ORIGIN/${libraries_from_programs} ${CMAKE_INSTALL_RPATH})
+list(REMOVE_DUPLICATES run_path)
+set_target_properties(tev_agent PROPERTIES INSTALL_RPATH "${run_path}")
+set(run_path $ORIGIN $ORIGIN/.. ${CMAKE_INSTALL_RPATH})
+set_target_properties(tev_schema_populator PROPERTIES INSTALL_RPATH "${run_path}")
+set_target_properties(tev_agent tev_common tev_schema_populator PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
 set_target_properties(tev_spi PROPERTIES EXPORT_NAME spi)
 set_target_properties(tev_common PROPERTIES EXPORT_NAME common)
 

@@ -23,7 +23,8 @@ using testing::Not;
 
 using Words = std::vector<std::string>;
 
-/// What bash offers for the last of the words behind the program's name, which are in the pieces that bash makes of them.
+/// What bash offers for the last of the words behind the program's name, which are in the pieces that bash makes of
+/// them.
 Words offered(const Words& words, const ChildProcess::Setting& setting = {}) {
     // As bash calls it: the words, the place of the one to complete, and the function of the program.
     const std::string script = R"(

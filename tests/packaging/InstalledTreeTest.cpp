@@ -75,6 +75,17 @@ TEST_F(InstalledTreeTest, itsFilesUseItsOwnCommonLibrary) {
     EXPECT_EQ(commonLibraryOf(component), common);
 }
 
+// An empty piece of the loader's path, which a list in CMake leaves easily, is the current folder.
+TEST_F(InstalledTreeTest, takesNoLibraryFromTheFolderThatItIsCalledIn) {
+    install();
+    folder.write("libPocoFoundation.so.80", "no library");
+    folder.write("libPocoXML.so.80", "no library");
+    ChildProcess::Setting setting;
+    setting.workingFolder = folder.path();
+    const Outcome outcome = run(program, {"--node", node, "list"}, setting);
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+}
+
 TEST_F(InstalledTreeTest, mayBePutElsewhereAsAWhole) {
     ChildProcess::Setting setting;
     setting.environment["DESTDIR"] = folder.path() / "stage";
@@ -93,9 +104,8 @@ TEST_F(InstalledTreeTest, componentsOfAnotherProjectAreBuiltWithItInCxxAndInC) {
     configure.insert(configure.end(), {TEV_CONSUMER_OPTIONS});
     cmake(configure);
     cmake({"--build", build});
-    const Outcome outcome =
-        run(program, {"--node", node, "--log-level", "1", "--component", component, "--component",
-                      build / "libgreeter.so", "--component", build / "libtables.so", "list"});
+    const Outcome outcome = run(program, {"--node", node, "--log-level", "1", "--component", component, "--component",
+                                          build / "libgreeter.so", "--component", build / "libtables.so", "list"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_THAT(outcome.err, HasSubstr(" LOG 1 start: greetings\n"));
     EXPECT_THAT(outcome.err, HasSubstr("C greets, too\n"));

@@ -11,8 +11,8 @@ namespace TevTest {
 namespace {
 
 using testing::ContainsRegex;
-using testing::Not;
 using testing::IsEmpty;
+using testing::Not;
 
 /// The manual's source with hyphens in place of what the formatter makes hyphens of.
 std::string manual() {

@@ -27,8 +27,7 @@ static TevReturnT stop(DalStateChangeReason reason) {
     return TevReturnOk;
 }
 
-static DalMgmtSpiComponent_2 component = {
-    {"Tables", "DalMgmtSpiComponent", "2"}, none, none, start, stop, none, false};
+static DalMgmtSpiComponent_2 component = {{"Tables", "DalMgmtSpiComponent", "2"}, none, none, start, stop, none, false};
 static DalPortal_3* portal;
 
 TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration) {
