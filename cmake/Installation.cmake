@@ -46,6 +46,9 @@ tev_add_page(packaging/tev-agent.1.in tev-agent.1)
 install(FILES ${PROJECT_BINARY_DIR}/tev-agent.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT agent)
 install(FILES packaging/tev-agent.bash DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions
     RENAME tev-agent COMPONENT agent)
-install(FILES docs/tev-agent.md docs/node-files.md docs/sftp.md DESTINATION ${documentation}/tev-agent COMPONENT agent)
+install(FILES
+    docs/configuration.md docs/managed-objects.md docs/model-files.md docs/operator-guide.md docs/sftp.md docs/tev-agent.md
+    docs/tev-agent.schema.json
+    DESTINATION ${documentation}/tev-agent COMPONENT agent)
 install(DIRECTORY examples/node DESTINATION ${documentation}/tev-agent/examples COMPONENT agent)
 install(FILES docs/abi-contract.md DESTINATION ${documentation}/libtev-dev COMPONENT development)

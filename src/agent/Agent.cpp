@@ -117,7 +117,9 @@ std::string Agent::schemaParent() const {
     if (const auto dn = store.firstInstance(SchemaClass::route().parent)) {
         return *dn;
     }
-    throw Failure(ExitStatus::OperationFailed, inputs.objects + " has no SysM object that schemas could stand under");
+    throw Failure(ExitStatus::OperationFailed, inputs.objects +
+                                                   " has no SysM object that schemas could stand under; it needs one "
+                                                   "below ManagedElement and SystemFunctions");
 }
 
 std::string Agent::schemaDn(const std::string& schemaId) const {

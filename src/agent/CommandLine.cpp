@@ -103,7 +103,12 @@ void addExport(CLI::App& app, Settings& settings) {
 }
 
 void addCommands(CLI::App& app, Settings& settings) {
-    addCommand(app, settings, "list", Settings::Command::List, "Every Schema instance with its attributes");
+    CLI::App* const list =
+        addCommand(app, settings, "list", Settings::Command::List, "Every Schema instance with its attributes");
+    list->add_option("--filter", settings.filter,
+                     "Only those whose schema id matches, as in 'Transport*'; quoted, for the shell knows patterns too")
+        ->type_name("GLOB")
+        ->check(notEmpty);
     CLI::App* const get = addCommand(app, settings, "get", Settings::Command::Get, "One instance");
     get->add_option("DN|SCHEMA-ID", settings.target, "The DN of any object, or a schema id")->required();
     get->add_option("ATTRIBUTE", settings.attributes,

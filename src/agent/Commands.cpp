@@ -1,5 +1,7 @@
 #include "Commands.h"
 
+#include <fnmatch.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -15,6 +17,7 @@
 #include "Password.h"
 #include "SchemaClass.h"
 #include "TableText.h"
+#include "Text.h"
 
 namespace TevAgent {
 
@@ -75,6 +78,15 @@ struct Listing {
     std::map<std::string, std::string> repeated;  ///< ids that stood there several times, for the version that counts
 };
 
+/// The keys that match the shell pattern `filter`; all of them without one.
+std::vector<std::string> matching(std::vector<std::string> keys, const std::string& filter) {
+    const auto isOther = [&](const std::string& key) { return fnmatch(filter.c_str(), key.c_str(), 0) != 0; };
+    if (!filter.empty()) {
+        keys.erase(std::remove_if(keys.begin(), keys.end(), isOther), keys.end());
+    }
+    return keys;
+}
+
 /// Says which models have several versions, and which one is shown or chosen, as `verb` has it, where it is known.
 void sayRepeated(const std::map<std::string, std::string>& repeated, const std::string& verb) {
     std::string models;
@@ -131,7 +143,10 @@ ExitStatus Commands::list(Agent& agent) {
     ExitStatus status = ExitStatus::Done;
     std::vector<Instance> instances;
     Operation operation(agent);
-    Listing listing(operation.reader().keys(agent.schemaParent(), SchemaClass::name));
+    Listing listing(matching(operation.reader().keys(agent.schemaParent(), SchemaClass::name), settings.filter));
+    if (listing.ids.empty() && !settings.filter.empty()) {
+        Diagnostics::say("no schema id matches " + Text::quoted(settings.filter) + "; without --filter all are shown");
+    }
     for (const std::string& key : listing.ids) {
         try {
             instances.push_back(operation.reader().read(agent.schemaDn(key), SchemaClass::attributes()));
@@ -181,7 +196,9 @@ ExportRun::Export Commands::namedExport(Agent& agent) const {
     const std::string routedClass = agent.router().routedClassOf(dn);
     const bool isSchema = SchemaClass::isClassOf(dn);
     if (!isSchema && (routedClass.empty() || routedClass == SchemaClass::name)) {
-        throw Failure(ExitStatus::OperationFailed, dn + " is no Schema instance, and has no file to export");
+        throw Failure(
+            ExitStatus::OperationFailed,
+            dn + " is no Schema instance, and has no file to export; tev-agent list shows those that have one");
     }
     if (!isSchema) {
         return {dn, dn, std::nullopt};
@@ -202,7 +219,7 @@ ExitStatus Commands::exportEvery(Agent& agent) {
     const std::vector<ExportRun::Export> wanted = everyExport(agent);
     const bool isTable = settings.output == Settings::Output::Table;
     if (wanted.empty()) {
-        Diagnostics::say("there is no model to export");
+        Diagnostics::say("there is no model to export; files of models belong into " + settings.models);
         output.write(isTable ? "" : JsonText::of(std::vector<ExportResult>()));
         return ExitStatus::Done;
     }
@@ -210,7 +227,7 @@ ExitStatus Commands::exportEvery(Agent& agent) {
     std::optional<Failure> lost;
     const auto tell = [&](const ExportResult& result) {
         try {
-            output.write(isTable && !lost ? TableText::of(result) : "");
+            output.write(isTable && !lost ? TableText::of(result, output.screen()) : "");
         } catch (const Failure& e) {
             // The exports go on: that nobody reads of them is no reason to leave some undone.
             lost = e;
@@ -256,7 +273,7 @@ ExitStatus Commands::check(Agent& agent) {
     const bool isPassed = ComponentCheck(agent, checked).run([&](const CheckResult& result) {
         results.push_back(result);
         // A line at once: should the component bring the process down, the lines show where.
-        output.write(isTable ? TableText::of(result) : "");
+        output.write(isTable ? TableText::of(result, output.screen()) : "");
     });
     output.write(isTable ? "" : JsonText::of(results));
     return isPassed ? ExitStatus::Done : ExitStatus::OperationFailed;
@@ -264,7 +281,7 @@ ExitStatus Commands::check(Agent& agent) {
 
 void Commands::write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances) {
     output.write(settings.output == Settings::Output::Json ? JsonText::of(instances)
-                                                           : TableText::of(attributes, instances));
+                                                           : TableText::of(attributes, instances, output.screen()));
 }
 
 }  // namespace TevAgent

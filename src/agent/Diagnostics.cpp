@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Descriptor.h"
+#include "Screen.h"
 #include "Text.h"
 
 namespace TevAgent {
@@ -37,7 +38,8 @@ void Diagnostics::say(const std::string& sentence) noexcept {
 
 void Diagnostics::sayAtOnce(const std::string& sentence) noexcept {
     try {
-        writeToStandardError("tev-agent: " + Text::escaped(sentence) + "\n");
+        const std::string prefix = Screen::of(STDERR_FILENO).emphasised(Screen::Emphasis::Title, "tev-agent:");
+        writeToStandardError(prefix + " " + Text::escaped(sentence) + "\n");
     } catch (const std::exception&) {
         writeToStandardError(noMemory);
     }

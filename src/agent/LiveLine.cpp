@@ -1,9 +1,9 @@
 #include "LiveLine.h"
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "Descriptor.h"
+#include "Screen.h"
 #include "Text.h"
 #include "Utf8.h"
 
@@ -11,13 +11,9 @@ namespace TevAgent {
 
 namespace {
 
-constexpr std::size_t usualWidth = 80;  // columns
-
 /// `text` without what goes beyond the terminal's last column but one: at the last one some begin a new line.
 std::string fitted(const std::string& text) {
-    winsize size{};
-    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
-    const std::size_t width = (isKnown ? size.ws_col : usualWidth) - 1;
+    const std::size_t width = Screen::columnsOf(STDERR_FILENO) - 1;
     return std::string(Utf8::fitted(Text::escaped(Utf8::repaired(text)), width));
 }
 

@@ -7,6 +7,7 @@
 #include "Failure.h"
 #include "Interruption.h"
 #include "ReturnCode.h"
+#include "SchemaClass.h"
 #include "ValueText.h"
 
 namespace TevAgent {
@@ -21,6 +22,15 @@ namespace {
 [[noreturn]] void fail(const std::string& sentence, Diagnostics::Capture& capture, const std::string& owner,
                        TevReturnT code) {
     fail(sentence + ": " + capture.takeOr(owner + " returned " + ReturnCode::text(code)));
+}
+
+/// The names of the attributes that Schema instances have.
+std::string schemaAttributes() {
+    std::string names;
+    for (const std::string& name : SchemaClass::attributes()) {
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    return names;
 }
 
 }  // namespace
@@ -73,12 +83,21 @@ std::vector<std::string> ObjectReader::readAttribute(const std::string& dn, cons
         fail(sentence, capture, router.ownerOf(dn), code);
     }
     if (!exists(dn)) {
-        fail("there is no " + dn);
+        fail("there is no " + dn + whereToLook(dn));
     }
     if (code == TevReturnNotFound) {
-        fail(dn + " has no attribute " + name);
+        fail(dn + " has no attribute " + name +
+             (SchemaClass::isClassOf(dn) ? "; those of its class are " + schemaAttributes() : ""));
     }
     fail(sentence, capture, router.ownerOf(dn), code);
+}
+
+std::string ObjectReader::whereToLook(const std::string& dn) const {
+    if (SchemaClass::isClassOf(dn)) {
+        return "; tev-agent list shows those that there are";
+    }
+    // Of another component's objects nothing is known here.
+    return router.routedClassOf(dn).empty() ? "; the file of --objects tells which there are" : "";
 }
 
 bool ObjectReader::exists(const std::string& dn) const {

@@ -23,6 +23,9 @@ public:
 private:
     std::vector<std::string> readAttribute(const std::string& dn, const std::string& name) const;
 
+    /// What to do when there is no such object, as the end of a sentence; nothing where nobody knows.
+    std::string whereToLook(const std::string& dn) const;
+
     /// Whether the object is listed under its parent.
     bool exists(const std::string& dn) const;
 

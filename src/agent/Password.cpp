@@ -113,7 +113,7 @@ void Password::read(int descriptor, const std::string& source) {
                           "cannot read the password from " + source + ": " + std::generic_category().message(errno));
         }
         if (count == 0 && size == 0) {
-            refuse(source + " gives no password");
+            refuse(source + " gives no password; it is the first line");
         }
         if (count == 0 || line[size] == '\n') {
             line[size] = '\0';

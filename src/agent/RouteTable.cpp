@@ -29,7 +29,8 @@ RouteTable::RouteTable(std::vector<Route> routeList) : routes(std::move(routeLis
         const Route& first = *find(route.className, [&](const Route& other) { return other.parent == route.parent; });
         if (first.component != route.component) {
             throw Failure(ExitStatus::NotStarted, "class " + route.className + " is routed to two components, " +
-                                                      first.component + " and " + route.component);
+                                                      first.component + " and " + route.component +
+                                                      "; take the route to the latter out of the file of --objects");
         }
     }
 }

@@ -203,7 +203,7 @@ TevReturnT Router::reach(unsigned long txHandle, const Route& route, DalOamSpiMa
         portal.find({route.component.c_str(), "DalOamSpiTransactionalResource", "2"});
     if (objects == nullptr || resource == nullptr) {
         Diagnostics::say("class " + route.className + " belongs to component " + route.component +
-                         ", which is not there or offers no managed objects");
+                         ", which is not there or offers no managed objects; --component loads it");
         return TevReturnNotFound;
     }
     owner = reinterpret_cast<DalOamSpiManagedObject_1*>(objects);

@@ -26,6 +26,7 @@ struct Settings {
     Output output = Output::Table;
 
     Command command = Command::List;
+    std::string filter;                   ///< of list: a shell pattern for the schema ids
     std::string target;                   ///< of get and export: a DN or a schema id
     std::vector<std::string> attributes;  ///< of get
     std::string checkedLibrary;           ///< of check

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+#include "Screen.h"
+
 namespace TevAgent {
 
 /// The way results leave the program, and nothing else does: once this object is made, whatever is written to
@@ -18,6 +20,9 @@ public:
     ~StandardOutput();
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
+
+    /// Where results are shown, as it is just now.
+    Screen screen() const { return Screen::of(descriptor); }
 
     /// Writes all of `text` at once. Throws `Failure` (operation failed) with the reason.
     void write(std::string_view text);

@@ -45,8 +45,8 @@ std::shared_ptr<Component> awaitedBy(const std::shared_ptr<Component>& component
             return isMet(wanted, offersOf(other));
         });
         if (found == waiting.end()) {
-            throw Failure(ExitStatus::NotStarted,
-                          "component " + component->name() + " depends on " + wanted.text() + ", which nobody offers");
+            throw Failure(ExitStatus::NotStarted, "component " + component->name() + " depends on " + wanted.text() +
+                                                      ", which nobody offers; --component loads what does");
         }
         awaited = *found;
     }
@@ -69,7 +69,8 @@ std::shared_ptr<Component> awaitedBy(const std::shared_ptr<Component>& component
     for (auto component = std::find(path.begin(), path.end(), next); component != path.end(); ++component) {
         circle += (*component)->name() + " -> ";
     }
-    throw Failure(ExitStatus::NotStarted, "components depend on each other in a circle: " + circle + next->name());
+    throw Failure(ExitStatus::NotStarted,
+                  "components depend on each other in a circle: " + circle + next->name() + "; leave one of them out");
 }
 
 }  // namespace

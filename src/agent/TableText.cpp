@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "AlignedTable.h"
 #include "Text.h"
 #include "Utf8.h"
 
@@ -10,16 +11,12 @@ namespace TevAgent {
 
 namespace {
 
-constexpr std::size_t gap = 2;
-
-using Row = std::vector<std::string>;
-
 std::string cell(const std::string& text) {
     return Text::escaped(Utf8::repaired(text));
 }
 
-Row rowOf(const Instance& instance) {
-    Row row;
+AlignedTable::Row rowOf(const Instance& instance) {
+    AlignedTable::Row row;
     for (const Instance::Attribute& attribute : instance.attributes) {
         std::string values;
         for (const std::string& value : attribute.values) {
@@ -30,55 +27,31 @@ Row rowOf(const Instance& instance) {
     return row;
 }
 
-std::vector<std::size_t> widthsOf(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const Row& row : rows) {
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], Utf8::columns(row[column]));
-        }
-    }
-    return widths;
-}
-
-std::string lineOf(const Row& row, const std::vector<std::size_t>& widths) {
-    std::string line;
-    std::size_t wanted = 0;
-    std::size_t length = 0;
-    for (std::size_t column = 0; column < row.size(); ++column) {
-        // Blanks are added in front of what follows them, so that no line ends in any.
-        if (!row[column].empty()) {
-            line.append(wanted - length, ' ').append(row[column]);
-            length = wanted + Utf8::columns(row[column]);
-        }
-        wanted += widths[column] + gap;
-    }
-    return line + "\n";
-}
-
-std::string outcomeOf(const std::string& outcome, const std::string& remark) {
-    return cell(remark.empty() ? outcome : outcome + ": " + remark) + "\n";
+/// How `subject` came out, in a line.
+std::string outcomeOf(const std::string& subject, bool isGood, const std::string& word, const std::string& remark,
+                      const Screen& screen) {
+    return cell(subject) + ": " + screen.emphasised(isGood ? Screen::Emphasis::Good : Screen::Emphasis::Bad, word) +
+           (remark.empty() ? "" : ": " + cell(remark)) + "\n";
 }
 
 }  // namespace
 
-std::string TableText::of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances) {
-    std::vector<Row> rows(1);
-    std::transform(attributeNames.begin(), attributeNames.end(), std::back_inserter(rows.front()), cell);
+std::string TableText::of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances,
+                          const Screen& screen) {
+    AlignedTable::Row header;
+    std::transform(attributeNames.begin(), attributeNames.end(), std::back_inserter(header), cell);
+    std::vector<AlignedTable::Row> rows;
     std::transform(instances.begin(), instances.end(), std::back_inserter(rows), rowOf);
-    const std::vector<std::size_t> widths = widthsOf(rows);
-    std::string table;
-    for (const Row& row : rows) {
-        table += lineOf(row, widths);
-    }
-    return table;
+    return AlignedTable::of(header, rows, screen);
 }
 
-std::string TableText::of(const CheckResult& result) {
-    return outcomeOf(result.item + (result.isPassed ? ": passed" : ": failed"), result.remark);
+std::string TableText::of(const CheckResult& result, const Screen& screen) {
+    return outcomeOf(result.item, result.isPassed, result.isPassed ? "passed" : "failed", result.remark, screen);
 }
 
-std::string TableText::of(const ExportResult& result) {
-    return outcomeOf(result.model + (result.isExported ? ": exported" : ": failed"), result.message);
+std::string TableText::of(const ExportResult& result, const Screen& screen) {
+    return outcomeOf(result.model, result.isExported, result.isExported ? "exported" : "failed", result.message,
+                     screen);
 }
 
 }  // namespace TevAgent

@@ -7,6 +7,7 @@
 #include "CheckResult.h"
 #include "ExportResult.h"
 #include "Instance.h"
+#include "Screen.h"
 
 namespace TevAgent {
 
@@ -14,15 +15,17 @@ namespace TevAgent {
 /// or pose as a line.
 class TableText {
 public:
-    /// A header with the attribute names, then a row for each instance, whose attributes are those of the header. The
-    /// columns are aligned, two blanks apart; no value is shown as nothing, several are joined by a comma and a blank.
-    static std::string of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances);
+    /// An `AlignedTable` for the screen: a header with the attribute names, then a row for each instance, whose
+    /// attributes are those of the header. No value is shown as nothing, several are joined by a comma and a blank.
+    static std::string of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances,
+                          const Screen& screen = {});
 
-    /// A line: "<item>: passed" or "<item>: failed", with the remark after another colon.
-    static std::string of(const CheckResult& result);
+    /// A line: "<item>: passed" or "<item>: failed", with the remark after another colon. The word has a colour on a
+    /// screen that has any.
+    static std::string of(const CheckResult& result, const Screen& screen = {});
 
-    /// A line: "<model>: exported" or "<model>: failed", with the message after another colon.
-    static std::string of(const ExportResult& result);
+    /// A line: "<model>: exported" or "<model>: failed", with the message after another colon. The word as above.
+    static std::string of(const ExportResult& result, const Screen& screen = {});
 };
 
 }  // namespace TevAgent

@@ -7,7 +7,7 @@
 
 namespace TevAgent {
 
-/// Texts of components are bytes; what the agent writes is UTF-8.
+/// Texts of components are bytes; what the agent writes is UTF-8, whatever the locale of the process.
 class Utf8 {
 public:
     /// `text` with U+FFFD in place of each byte that is not part of a well-formed character.

@@ -112,7 +112,9 @@ TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAnObjectThatHasNoFile) {
                                   TestNode::schemaDn("one") + ",Part=1"}) {
         const AgentOutcome outcome = AgentProcess::run(arguments("exports_as_told", {dn, "sftp://h/p"}));
         EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.err, "tev-agent: " + dn + " is no Schema instance, and has no file to export\n");
+        EXPECT_EQ(outcome.err,
+                  "tev-agent: " + dn +
+                      " is no Schema instance, and has no file to export; tev-agent list shows those that have one\n");
     }
 }
 
@@ -158,7 +160,7 @@ TEST_F(ExportTest, needsAPassword) {
     const AgentOutcome empty =
         AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p", "--password-stdin"}));
     EXPECT_EQ(empty.status, 2);
-    EXPECT_EQ(empty.err, "tev-agent: standard input gives no password\n");
+    EXPECT_EQ(empty.err, "tev-agent: standard input gives no password; it is the first line\n");
     const AgentOutcome none = AgentProcess::run(arguments("exports_as_told", {"one", "sftp://h/p"}));
     EXPECT_EQ(none.status, 2);
     EXPECT_EQ(none.err,
@@ -292,7 +294,8 @@ TEST_F(ExportTest, anInterruptEndsTheWaitForANamedPipe) {
 TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAModelThatIsNotThere) {
     const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "tev-agent: there is no " + TestNode::schemaDn("Nothing") + "\n");
+    EXPECT_EQ(outcome.err, "tev-agent: there is no " + TestNode::schemaDn("Nothing") +
+                               "; tev-agent list shows those that there are\n");
 }
 
 TEST_F(ExportTest, exportsEveryModelSeveralAtATimeWithOneLineEach) {
@@ -406,7 +409,8 @@ TEST_F(ExportTest, nobodyIsAskedForThePasswordOfANodeWithoutModels) {
             AgentProcess::run({"--models", empty.path(), "export", "--all", "sftp://h/p", format});
         EXPECT_EQ(outcome.status, 0);
         EXPECT_EQ(outcome.out, result);
-        EXPECT_EQ(outcome.err, "tev-agent: there is no model to export\n");
+        EXPECT_EQ(outcome.err, "tev-agent: there is no model to export; files of models belong into " +
+                                   empty.path().string() + "\n");
     }
 }
 

@@ -156,7 +156,7 @@ TEST_F(HostileComponentTest, dependsOnWhatNobodyOffers) {
     expectNotStarted(
         "unmet_dependency",
         "tev-agent: component TevSchemaMoService depends on NobodysService/Nothing version 4, which nobody "
-        "offers\n");
+        "offers; --component loads what does\n");
 }
 
 TEST_F(HostileComponentTest, twoDependOnEachOtherInACircle) {
@@ -164,7 +164,8 @@ TEST_F(HostileComponentTest, twoDependOnEachOtherInACircle) {
         {"--node", node.path(), "--component", library("circle_left"), "--component", library("circle_right"), "list"});
     EXPECT_EQ(outcome.status, 3);
     EXPECT_EQ(outcome.err,
-              "tev-agent: components depend on each other in a circle: LeftService -> RightService -> LeftService\n");
+              "tev-agent: components depend on each other in a circle: LeftService -> RightService -> LeftService; "
+              "leave one of them out\n");
 }
 
 TEST_F(HostileComponentTest, twoOfOneName) {
@@ -355,7 +356,9 @@ TEST_F(HostileComponentTest, checkNamesTheItemThatFailsAndDoesNotTryTheOthers) {
              Case{"start_throws", "starts and stops", component + "threw in start: out of order", "lists"},
              Case{"stop_throws", "starts and stops", component + "threw in stop: will not", "lists"},
              Case{"unmet_dependency", "starts and stops",
-                  component + "depends on NobodysService/Nothing version 4, which nobody offers", "lists"},
+                  component +
+                      "depends on NobodysService/Nothing version 4, which nobody offers; --component loads what does",
+                  "lists"},
              Case{"listing_throws_int", "lists", listing + component + "threw in nextMo: an exception of type int",
                   "reads"},
              Case{"votes_no", "lists", "the transaction failed: " + component + "finds the transaction invalid",

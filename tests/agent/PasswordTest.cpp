@@ -49,7 +49,7 @@ TEST_F(PasswordTest, mayBeAsLongAsAnSshClientTakes) {
 
 TEST_F(PasswordTest, isRefusedWhenItCouldNotBePassedOn) {
     EXPECT_EQ(refusal(std::string("a\0b\n", 4)), "the password from " + file + " holds a null byte");
-    EXPECT_EQ(refusal(""), file + " gives no password");
+    EXPECT_EQ(refusal(""), file + " gives no password; it is the first line");
 }
 
 TEST_F(PasswordTest, fromAFileThatCannotBeReadIsAFailureToStart) {

@@ -123,6 +123,7 @@ TEST_F(ProgramTest, listOfAnEmptyFolderHasNoRows) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out,
               "schemaId  identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n");
+    EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(objectsIn(AgentProcess::run({"--models", empty.path(), "--output=json", "list"}).out, "schemas"),
                 IsEmpty());
 }
@@ -206,7 +207,9 @@ TEST_F(ProgramTest, listShowsOneRowForSeveralVersionsAndSaysOnceWhichOne) {
 
 TEST_F(ProgramTest, listNeedsASysMObjectWhenThereAreManagedObjects) {
     node.writeObjects("<managedObjects><mo class=\"ManagedElement\" id=\"1\"/></managedObjects>");
-    expectFailure(onNode({"list"}), 1, HasSubstr("managed-objects.xml has no SysM object"));
+    expectFailure(onNode({"list"}), 1,
+                  HasSubstr("managed-objects.xml has no SysM object that schemas could stand under; it needs one below "
+                            "ManagedElement and SystemFunctions\n"));
 }
 
 TEST_F(ProgramTest, listShowsTheExampleNode) {
@@ -222,6 +225,44 @@ TEST_F(ProgramTest, listDoesNotDependOnTheOrderOfTheFiles) {
     std::filesystem::rename(modelFile("1.xml"), modelFile("8.xml"));
     std::filesystem::rename(modelFile("3.xml"), modelFile("0.xml"));
     EXPECT_EQ(onNode({"list"}).out, table);
+}
+
+TEST_F(ProgramTest, listShowsTheInstancesThatTheFilterMatches) {
+    EXPECT_EQ(onNode({"list", "--filter", "*"}).out, table);
+    const AgentOutcome some = onNode({"list", "--filter", "*p?rt*"});
+    EXPECT_EQ(some.status, 0);
+    EXPECT_EQ(some.out,
+              "schemaId   identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n"
+              "Transport  Transport   OrvaTransport        2.1.5    3.4               IpSec, Sync\n");
+    EXPECT_EQ(some.err, "");
+    const auto schemas = objectsIn(onNode({"--output=json", "list", "--filter", "[!P]*t"}).out, "schemas");
+    ASSERT_EQ(schemas.size(), 2U);
+    EXPECT_EQ(schemas[0]->getValue<std::string>("schemaId"), "Equipment");
+    EXPECT_EQ(schemas[1]->getValue<std::string>("schemaId"), "Transport");
+}
+
+TEST_F(ProgramTest, aFilterThatMatchesNothingShowsTheTitlesAndSaysSo) {
+    for (const std::string filter : {"plain", "Plai", "lain"}) {
+        const AgentOutcome outcome = onNode({"list", "--filter", filter});
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.out,
+                  "schemaId  identifier  baseModelIdentifier  version  baseModelVersion  selectedModelOptions\n");
+        EXPECT_EQ(outcome.err, "tev-agent: no schema id matches \"" + filter + "\"; without --filter all are shown\n");
+    }
+    EXPECT_THAT(objectsIn(onNode({"--output=json", "list", "--filter", "x"}).out, "schemas"), IsEmpty());
+}
+
+TEST_F(ProgramTest, aFilterSaysNothingOfVersionsOfOthers) {
+    node.writeModel("4.xml", R"(<mom name="Transport" version="3"/>)");
+    node.writeModel("5.xml", R"(<mom name="Plain" version="4"/>)");
+    EXPECT_EQ(onNode({"list", "--filter", "P*"}).err,
+              "tev-agent: there are several versions of Plain (shown: the one without a version)\n");
+}
+
+TEST_F(ProgramTest, onlyInstancesThatTheFilterMatchesAreRead) {
+    const std::string library = std::string(TEV_HOSTILE_COMPONENTS) + "/read_fails.so";
+    EXPECT_EQ(onNode({"--component", library, "list"}).status, 1);
+    EXPECT_EQ(onNode({"--component", library, "list", "--filter", "not*"}).status, 0);
 }
 
 // get
@@ -267,16 +308,34 @@ TEST_F(ProgramTest, getShowsJustTheAttributesNamedInTheirOrder) {
 }
 
 TEST_F(ProgramTest, getOfAnUnknownInstanceSaysThatThereIsNone) {
-    expectFailure(onNode({"get", "Nothing"}), 1, HasSubstr("there is no " + TestNode::schemaDn("Nothing") + "\n"));
-    expectFailure(onNode({"get", ""}), 1, HasSubstr("there is no " + TestNode::schemaDn("") + "\n"));
-    expectFailure(onNode({"get", "ManagedElement=2", "dscp"}), 1, HasSubstr("there is no ManagedElement=2\n"));
-    expectFailure(onNode({"get", "ManagedElement=1,Schema=Transport"}), 1,
-                  HasSubstr("there is no ManagedElement=1,Schema=Transport\n"));
+    expectFailure(
+        onNode({"get", "Nothing"}), 1,
+        HasSubstr("there is no " + TestNode::schemaDn("Nothing") + "; tev-agent list shows those that there are\n"));
+    expectFailure(onNode({"get", ""}), 1,
+                  HasSubstr("there is no " + TestNode::schemaDn("") + "; tev-agent list shows those that there are\n"));
+    expectFailure(onNode({"get", "ManagedElement=2", "dscp"}), 1,
+                  HasSubstr("there is no ManagedElement=2; the file of --objects tells which there are\n"));
+    expectFailure(
+        onNode({"get", "ManagedElement=1,Schema=Transport"}), 1,
+        HasSubstr("there is no ManagedElement=1,Schema=Transport; tev-agent list shows those that there are\n"));
+}
+
+TEST_F(ProgramTest, nothingIsKnownOfWhichObjectsAnotherClassOfAComponentHas) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    expectFailure(onNode({"get", "ManagedElement=1,Licence=5", "expiry"}), 1,
+                  HasSubstr("there is no ManagedElement=1,Licence=5\n"));
 }
 
 TEST_F(ProgramTest, getOfAnUnknownAttributeSaysThatTheInstanceHasNone) {
-    expectFailure(onNode({"get", "Plain", "Version"}), 1,
-                  HasSubstr(TestNode::schemaDn("Plain") + " has no attribute Version\n"));
+    expectFailure(
+        onNode({"get", "Plain", "Version"}), 1,
+        HasSubstr(
+            TestNode::schemaDn("Plain") +
+            " has no attribute Version; those of its class are schemaId, identifier, baseModelIdentifier, version, "
+            "baseModelVersion, selectedModelOptions\n"));
     expectFailure(onNode({"get", "ManagedElement=1", "dscp"}), 1,
                   HasSubstr("ManagedElement=1 has no attribute dscp\n"));
 }
@@ -418,9 +477,10 @@ TEST_F(ProgramTest, aRouteToAComponentThatIsNotThereNamesIt) {
         <route class="Licence" parent="ManagedElement" component="LicenceService"/>
         <mo class="ManagedElement" id="1"/>
       </managedObjects>)");
-    expectFailure(onNode({"get", "ManagedElement=1,Licence=5", "expiry"}), 1,
-                  HasSubstr("cannot read attribute expiry of ManagedElement=1,Licence=5: class Licence belongs to "
-                            "component LicenceService, which is not there or offers no managed objects\n"));
+    expectFailure(
+        onNode({"get", "ManagedElement=1,Licence=5", "expiry"}), 1,
+        HasSubstr("cannot read attribute expiry of ManagedElement=1,Licence=5: class Licence belongs to "
+                  "component LicenceService, which is not there or offers no managed objects; --component loads it\n"));
 }
 
 TEST_F(ProgramTest, logsNothingUnlessAsked) {
@@ -517,6 +577,8 @@ TEST_F(ProgramTest, wrongUsageIsStatus2) {
     expectFailure(onNode({"get", "Plain", "version", "version"}), 2, HasSubstr("version is named twice"));
     expectFailure(onNode({"--component", "", "list"}), 2, HasSubstr("--component: the value is empty"));
     expectFailure(onNode({"--log-file", "", "list"}), 2, HasSubstr("--log-file: the value is empty"));
+    expectFailure(onNode({"list", "--filter", ""}), 2, HasSubstr("--filter: the value is empty"));
+    expectFailure(onNode({"get", "Plain", "--filter", "P*"}), 2, HasSubstr("--filter"));
     expectFailure(onNode({"--output", "xml", "list"}), 2, HasSubstr("xml"));
     expectFailure(onNode({"--log-level", "9", "list"}), 2, HasSubstr("--log-level"));
     expectFailure(onNode({"list", "--config", "/etc/other.cfg"}), 2, HasSubstr("libtev_schema_populator.cfg"));
@@ -564,7 +626,8 @@ TEST_F(ProgramTest, twoRoutesOfAClassToDifferentComponentsAreStatus3) {
     node.writeObjects(R"(<managedObjects><route class="Schema" parent="ManagedElement,SystemFunctions,SysM"
                          component="Thief"/></managedObjects>)");
     expectFailure(onNode({"list"}), 3,
-                  HasSubstr("class Schema is routed to two components, TevSchemaMoService and Thief"));
+                  HasSubstr("class Schema is routed to two components, TevSchemaMoService and Thief; take the route to "
+                            "the latter out of the file of --objects\n"));
 }
 
 TEST_F(ProgramTest, resultsThatCannotBeWrittenAreStatus1) {
@@ -610,7 +673,8 @@ TEST_F(ProgramTest, waitsForAFullStandardErrorThatIsNonBlocking) {
     AgentProcess agent(nodeAnd({"get", longName}), setting);
     pipe.closeWriting();
     pipe.waitUntilFull();
-    EXPECT_EQ(pipe.readAll(), "tev-agent: there is no " + TestNode::schemaDn(longName) + "\n");
+    EXPECT_EQ(pipe.readAll(), "tev-agent: there is no " + TestNode::schemaDn(longName) +
+                                  "; tev-agent list shows those that there are\n");
     EXPECT_EQ(agent.outcome().status, 1);
 }
 

@@ -69,7 +69,9 @@ TEST(RouteTableTest, refusesAClassThatIsRoutedToTwoComponents) {
         FAIL() << "the routes were taken";
     } catch (const Failure& e) {
         EXPECT_EQ(e.status(), ExitStatus::NotStarted);
-        EXPECT_STREQ(e.what(), "class Alarm is routed to two components, AlarmService and Thief");
+        EXPECT_STREQ(e.what(),
+                     "class Alarm is routed to two components, AlarmService and Thief; take the route to the latter "
+                     "out of the file of --objects");
     }
 }
 

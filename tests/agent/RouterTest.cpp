@@ -329,7 +329,8 @@ TEST_F(RouterTest, aRoutedClassWithoutItsComponentIsNotFoundAndNamesIt) {
     Diagnostics::Capture capture;
     EXPECT_EQ(objects.getMoAttribute(tx, routedDn, "severity", &container), -2);
     EXPECT_EQ(capture.takeOr(""),
-              "class Alarm belongs to component AlarmService, which is not there or offers no managed objects");
+              "class Alarm belongs to component AlarmService, which is not there or offers no managed objects; "
+              "--component loads it");
 }
 
 TEST_F(RouterTest, servesSeveralThreadsAtOnce) {

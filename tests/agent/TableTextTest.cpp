@@ -57,6 +57,28 @@ TEST(TableTextTest, makesControlCharactersHarmless) {
               "a\nx\\ny\\x1b[2J\\x9b1m\xef\xbf\xbd\n");
 }
 
+TEST(TableTextTest, keepsToTheScreen) {
+    EXPECT_EQ(
+        TableText::of({"version", "options"}, {{"", {{"version", {"1"}}, {"options", {"Sync", "IpSec"}}}}}, {17, true}),
+        "\x1b[1mversion  options\x1b[0m\n1        Sync,\n          IpSec\n");
+}
+
+TEST(TableTextTest, aScreenWithColoursObeysNothingButThem) {
+    const Screen screen{0, true};
+    EXPECT_EQ(TableText::of({"a\x1b[2J"}, {{"", {{"a", {"x\x1b[2J"}}}}}, screen),
+              "\x1b[1ma\\x1b[2J\x1b[0m\nx\\x1b[2J\n");
+    EXPECT_EQ(TableText::of(CheckResult{"a\x1b[2J", true, "\x1b[2J"}, screen),
+              "a\\x1b[2J: \x1b[32mpassed\x1b[0m: \\x1b[2J\n");
+    EXPECT_EQ(TableText::of(ExportResult{"a\x1b[2J", false, "\x1b[2J"}, screen),
+              "a\\x1b[2J: \x1b[31mfailed\x1b[0m: \\x1b[2J\n");
+}
+
+TEST(TableTextTest, writesAnExportResultOnOneLine) {
+    EXPECT_EQ(TableText::of(ExportResult{"Plain", true, ""}), "Plain: exported\n");
+    EXPECT_EQ(TableText::of(ExportResult{"Plain", true, "done"}), "Plain: exported: done\n");
+    EXPECT_EQ(TableText::of(ExportResult{"Plain", false, "a\nb"}), "Plain: failed: a\\nb\n");
+}
+
 TEST(TableTextTest, writesACheckResultOnOneLine) {
     EXPECT_EQ(TableText::of(CheckResult{"loads", true, ""}), "loads: passed\n");
     EXPECT_EQ(TableText::of(CheckResult{"loads", true, "well"}), "loads: passed: well\n");

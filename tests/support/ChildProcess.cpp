@@ -31,10 +31,16 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return list;
 }
 
+/// Whether programs under test do something else where the variable `entry`, "NAME=value", is set.
+bool isTold(const std::string& entry) {
+    const std::string name = entry.substr(0, entry.find('='));
+    return name.compare(0, 4, "TEV_") == 0 || name == "TERM" || name == "COLUMNS" || name == "NO_COLOR";
+}
+
 std::vector<std::string> environmentWith(const std::map<std::string, std::string>& added) {
     std::vector<std::string> variables;
     for (char** variable = environ; *variable != nullptr; ++variable) {
-        if (std::strncmp(*variable, "TEV_", 4) != 0) {
+        if (!isTold(*variable)) {
             variables.emplace_back(*variable);
         }
     }

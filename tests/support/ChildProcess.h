@@ -13,7 +13,8 @@
 namespace TevTest {
 
 /// A program that runs as a child of the test, in a session of its own and with the usual signal handling. Its
-/// environment is that of the test but for variables that begin with "TEV_". Used by one thread.
+/// environment is that of the test but for variables that begin with "TEV_" and those that tell how to write for a
+/// terminal. Used by one thread.
 class ChildProcess {
 public:
     static constexpr int closed = -2;  ///< in place of a descriptor
