@@ -62,13 +62,9 @@ BareClient::BareClient(const Tev::TransferSettings& transferSettings, const std:
 
 void BareClient::run(const std::string& command) {
     writeAll(client.input, command + "version\n");
-    readUntil("SFTP protocol version");
-}
-
-void BareClient::readUntil(std::string_view answer) {
     std::string output;
     std::string question;
-    while (output.find(answer) == std::string::npos) {
+    while (output.find("SFTP protocol version") == std::string::npos) {
         pollfd waiting[] = {{client.output.get(), POLLIN, 0},
                             {client.error.get(), POLLIN, 0},
                             {terminal.descriptor().get(), POLLIN, 0}};

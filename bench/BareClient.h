@@ -2,7 +2,6 @@
 #define BARE_CLIENT_H
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "ClientProcess.h"
@@ -28,7 +27,6 @@ private:
 
     /// Sends the command and reads until the client has carried it out; gives the password when it is asked for.
     void run(const std::string& command);
-    void readUntil(std::string_view answer);
     void leave();
 
     const Tev::TransferSettings& settings;

@@ -1,8 +1,8 @@
-#include <benchmark/benchmark.h>
 #include <regex.h>
 
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 
 #include "EmptyCall.h"
 #include "Log.h"
@@ -19,7 +19,7 @@ namespace {
 constexpr const char* sourceFile = "bench/CommonRows";
 constexpr const char* schemaDn = "ManagedElement=1,SystemFunctions=1,SysM=1,Schema=TransportModel";
 
-/// The two patterns of the component, as it uses them.
+/// The two patterns of the component, copied from there.
 struct Patterns {
     static constexpr int flags = REG_EXTENDED | REG_NOSUB;
     const Tev::RegularExpression parent{"^ManagedElement=.*,SystemFunctions=.*,SysM=.*$", flags};
@@ -37,8 +37,9 @@ struct PatternFloor {
 template <class Side>
 void check(const Side& side, std::size_t count) {
     for (std::size_t i = 0; i < count / 2; ++i) {
-        benchmark::DoNotOptimize(side.isParentDn(Rig::parentDn));
-        benchmark::DoNotOptimize(side.isSchemaDn(schemaDn));
+        if (!side.isParentDn(Rig::parentDn) || !side.isSchemaDn(schemaDn)) {
+            throw std::logic_error("a DN does not match");
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -69,7 +70,8 @@ public:
             try {
                 upload(settings);
                 return true;
-            } catch (const std::exception&) {
+            } catch (const std::exception& e) {
+                std::cerr << e.what() << '\n';
                 return false;
             }
         });

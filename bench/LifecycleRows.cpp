@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "Heap.h"
 #include "Rig.h"
 #include "Row.h"
 #include "Rows.h"
@@ -17,19 +18,16 @@ namespace TevBench {
 
 namespace {
 
-/// Joins what the other side has freed, so that both take their blocks out of large pieces.
-void tidyHeap() {
-    malloc_trim(0);
-}
-
 /// The end of transactions that hold `blockCount` blocks each, per block. Several where one would be too short to time.
+/// Throws std::logic_error when most of the memory is not given back.
 struct Finish {
     std::size_t blockCount;
 
     template <class Side>
     double operator()(Side& side, const std::vector<std::string>& dns) const {
         const std::size_t transactionCount = std::max<std::size_t>(1, 1000 / blockCount);
-        tidyHeap();
+        malloc_trim(0);  // both sides take their blocks out of large pieces
+        const double bytesBefore = heapBytes();
         for (std::size_t tx = 0; tx < transactionCount; ++tx) {
             for (std::size_t i = 0; i < blockCount / 3; ++i) {
                 Rig::read(side, tx, dns.front(), "version");  // three blocks
@@ -38,33 +36,48 @@ struct Finish {
                 Rig::read(side, tx, dns.front(), "baseModelVersion");  // one, since there is none
             }
         }
-        return processorSecondsOf([&] {
-                   for (std::size_t tx = 0; tx < transactionCount; ++tx) {
-                       side.finish(tx);
-                   }
-               }) /
-               static_cast<double>(transactionCount * blockCount);
+        const double bytesHeld = heapBytes() - bytesBefore;
+        const double seconds = processorSecondsOf([&] {
+            for (std::size_t tx = 0; tx < transactionCount; ++tx) {
+                side.finish(tx);
+            }
+        });
+        if (heapBytes() - bytesBefore > bytesHeld / 2) {
+            throw std::logic_error("the memory of transactions is not given back");
+        }
+        return seconds / static_cast<double>(transactionCount * blockCount);
     }
 };
 
-/// A start for each measurement, since a catalogue that is filled again has its memory already.
+/// The last model is there too, or not all the work was done.
+template <class Side>
+void requireLast(Side& side, const Framework& framework) {
+    Rig::read(side, 1, Rig::dnOf(framework.models().back()), "version");
+    side.finish(1);
+}
+
+/// The seconds of a start, of a side that begins with nothing, for each model.
+template <class Side>
+double secondsOfStart(Framework& framework) {
+    joinFreedPieces();
+    Side side(framework);
+    requireLast(side, framework);
+    return side.startSeconds() / static_cast<double>(framework.models().size());
+}
+
 Sides starts(std::size_t modelCount) {
     const auto framework = std::make_shared<Framework>(Framework::models(modelCount));
-    const auto count = static_cast<double>(modelCount);
-    return {[=] { return StartedComponent(*framework).startSeconds() / count; },
-            [=] { return Floor(*framework).startSeconds() / count; }};
+    return {[=] { return secondsOfStart<StartedComponent>(*framework); },
+            [=] { return secondsOfStart<Floor>(*framework); }};
 }
 
-double componentStart(std::size_t modelCount) {
+/// The median of `times` starts of the component: a single short one is mostly the cold caches that another
+/// measurement has left.
+double medianOfStarts(std::size_t modelCount, std::size_t times) {
     Framework framework(Framework::models(modelCount));
-    return StartedComponent(framework).startSeconds() / static_cast<double>(modelCount);
-}
-
-/// The usual one of many: a single short start is mostly the cold caches that the measurement before it has left.
-double usualComponentStart(std::size_t modelCount) {
-    std::vector<double> starts(31);
-    std::generate(starts.begin(), starts.end(), [=] { return componentStart(modelCount); });
-    const auto middle = starts.begin() + 15;
+    std::vector<double> starts(times);
+    std::generate(starts.begin(), starts.end(), [&] { return secondsOfStart<StartedComponent>(framework); });
+    const auto middle = starts.begin() + static_cast<std::ptrdiff_t>(times / 2);
     std::nth_element(starts.begin(), middle, starts.end());
     return *middle;
 }
@@ -98,8 +111,9 @@ Sides memory(std::size_t modelCount, bool isSpareCounted) {
     const auto count = static_cast<double>(modelCount);
     const std::size_t spare = isSpareCounted ? 0 : floor->catalogue().capacity() - modelCount;
     return {[=] {
-                const auto spareBytes = static_cast<double>(spare * sizeof(Floor::Record));
-                return (StartedComponent(*framework).startBytes() - spareBytes) / count;
+                StartedComponent component(*framework);
+                requireLast(component, *framework);
+                return (component.startBytes() - static_cast<double>(spare * sizeof(Floor::Record))) / count;
             },
             [=] {
                 double bytes = 0;
@@ -121,7 +135,7 @@ void addLifecycleRows() {
     addRow("start, 10,000 models", atMost(1.25), [] { return starts(10000); });
     addLongRow("start, 100,000 models", atMost(1.25), 4, [] { return starts(100000); });
     addLongRow("cost of a model at start, one of 100,000 against one of 100", atMost(2), 4, [] {
-        return Sides{[] { return componentStart(100000); }, [] { return usualComponentStart(100); }};
+        return Sides{[] { return medianOfStarts(100000, 1); }, [] { return medianOfStarts(100, 31); }};
     });
     addRow(
         "memory of a model, 1,000 models", atMost(1.3), [] { return memory(1000, false); }, "B");

@@ -16,8 +16,8 @@ using Dns = std::vector<std::string>;
 
 constexpr std::size_t readsOfTransaction = 6;
 
-/// Reads one string of `count` instances after the first-th, six in a transaction. The handles of different threads
-/// differ.
+/// Reads one string of one instance after the other, `count` in all, six in a transaction. The handles of different
+/// threads differ.
 template <class Side>
 void readOneEach(Side& side, const Dns& dns, unsigned long txHandle, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {

@@ -25,13 +25,17 @@ bool isSame(const DalMoAttributeValueContainer* left, const DalMoAttributeValueC
 
 Rig::Rig(std::size_t modelCount) : framework(Framework::models(modelCount)), component(framework), floor(framework) {
     for (const BenchModel& model : framework.models()) {
-        dns.push_back(std::string(parentDn) + ",Schema=" + model.name);
+        dns.push_back(dnOf(model));
     }
     // Some 1,000 of them, where there are more, and the last one always.
     for (std::size_t i = 0; i < modelCount; i += std::max<std::size_t>(1, modelCount / 1000)) {
         requireSameValues(dns[i]);
     }
     requireSameValues(dns.back());
+}
+
+std::string Rig::dnOf(const BenchModel& model) {
+    return std::string(parentDn) + ",Schema=" + model.name;
 }
 
 void Rig::requireSameValues(const std::string& dn) {

@@ -24,6 +24,11 @@ public:
 
     /// Throws std::logic_error when the two do not give the same values.
     explicit Rig(std::size_t modelCount);
+    Rig(const Rig&) = delete;
+    Rig& operator=(const Rig&) = delete;
+
+    /// The DN of the model's instance.
+    static std::string dnOf(const BenchModel& model);
 
     /// A read that is part of what is measured. Throws std::runtime_error when it fails: what is not done costs
     /// nothing.
@@ -33,8 +38,6 @@ public:
             throw std::runtime_error("a read fails");
         }
     }
-    Rig(const Rig&) = delete;
-    Rig& operator=(const Rig&) = delete;
 
     /// The sides of a row whose work is the same code for both: a function object `work(side, dns)` that takes a
     /// `StartedComponent&` or a `Floor&` and the DNs of all instances.

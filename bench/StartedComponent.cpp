@@ -1,28 +1,18 @@
 #include "StartedComponent.h"
 
-#include <malloc.h>
-
 #include <stdexcept>
 
+#include "Heap.h"
 #include "Stopwatch.h"
 
 namespace TevBench {
 
-namespace {
-
-double allocatedBytes() {
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd);
-}
-
-}  // namespace
-
 StartedComponent::StartedComponent(Framework& host) : library(TevTest::Component::get()), framework(host) {
     TevReturnT result = library->init(&framework.accessor(), nullptr);
     if (result == TevReturnOk) {
-        bytes = -allocatedBytes();
+        bytes = -heapBytes();
         seconds = processorSecondsOf([&] { result = framework.component()->start(DalStateChangeReasonUnspecified); });
-        bytes += allocatedBytes();
+        bytes += heapBytes();
     }
     if (result != TevReturnOk) {
         throw std::runtime_error("the component does not start");

@@ -30,6 +30,8 @@ def rows(results):
             broken.append(f"{name}: {entry['error_message']}")
         elif entry["run_type"] == "aggregate":
             found.setdefault(name, {"label": entry.get("label", "")})[entry["aggregate_name"]] = entry
+    for name in [name for name, row in found.items() if not row["median"]["ratio"] > 0]:
+        broken.append(f"{name}: the ratio is {found.pop(name)['median']['ratio']}")
     return found, broken
 
 

@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # Needed to run what is built, to build it, to test it, to build it for 32 bit, for a private SFTP server, to fuzz, to
 # measure, and to make Debian packages.
 run_packages=(openssh-client)
-build_packages=(cmake g++ libcli11-dev libexpat1-dev libpoco-dev libunistring-dev ninja-build)
+build_packages=(cmake g++ libcli11-dev libedit-dev libexpat1-dev libpoco-dev libunistring-dev ninja-build)
 test_packages=(binutils libgmock-dev libgtest-dev python3-jsonschema)
 build_32_packages=(g++-multilib googletest)
 server_packages=(libnss-wrapper openssh-server)

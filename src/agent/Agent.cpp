@@ -54,12 +54,6 @@ std::chrono::milliseconds readTimeout(const std::string& file) {
     return text.empty() ? usualTimeout : std::chrono::milliseconds(std::atol(text.c_str()));
 }
 
-std::vector<Route> routesOf(const ObjectStore& store) {
-    std::vector<Route> routes = {SchemaClass::route()};
-    routes.insert(routes.end(), store.routes().begin(), store.routes().end());
-    return routes;
-}
-
 }  // namespace
 
 Agent::Agent(const Inputs& agentInputs) : inputs(agentInputs) {
@@ -72,7 +66,7 @@ Agent::Agent(const Inputs& agentInputs) : inputs(agentInputs) {
         throw Failure(ExitStatus::NotStarted, e.what());
     }
     timeout = readTimeout(inputs.configuration);
-    routerService = std::make_unique<Router>(store, portal, transactionService, routesOf(store));
+    routerService = std::make_unique<Router>(store, portal, transactionService, routes());
     portal.offer(TransactionService::table()->base);
     portal.offer(ThreadContext::table()->base);
     portal.offer(*repository->repositoryTable());
@@ -108,6 +102,12 @@ void Agent::start() {
 
 TevReturnT Agent::stop() {
     return portal.stop();
+}
+
+std::vector<Route> Agent::routes() const {
+    std::vector<Route> all = {SchemaClass::route()};
+    all.insert(all.end(), store.routes().begin(), store.routes().end());
+    return all;
 }
 
 std::string Agent::schemaParent() const {

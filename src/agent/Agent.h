@@ -51,6 +51,10 @@ public:
     Router& router() { return *routerService; }
     TransactionService& transactions() { return transactionService; }
 
+    /// The objects that no component owns, and the routes to those that one does, Schema's included.
+    const ObjectStore& objects() const { return store; }
+    std::vector<Route> routes() const;
+
     /// The DN that Schema instances stand under: the first SysM object, or a usual DN when there are no objects. Throws
     /// `Failure` (operation failed) when the managed objects have no SysM object.
     std::string schemaParent() const;

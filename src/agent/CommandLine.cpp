@@ -1,7 +1,9 @@
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <sstream>
 #include <system_error>
@@ -74,7 +76,6 @@ CLI::App* addCommand(CLI::App& app, Settings& settings, const char* name, Settin
                      const char* description) {
     CLI::App* const added = app.add_subcommand(name, description);
     added->group("Commands");
-    added->footer("The options of tev-agent (tev-agent --help) may stand here, too.");
     added->callback([&settings, command] { settings.command = command; });
     return added;
 }
@@ -100,6 +101,19 @@ void addExport(CLI::App& app, Settings& settings) {
         ->type_name("FILE")
         ->check(notEmpty)
         ->excludes(fromInput);
+}
+
+/// What only the program is asked for.
+void addShell(CLI::App& app, Settings& settings) {
+    addCommand(app, settings, "shell", Settings::Command::Shell,
+               "Reads commands, from a terminal or a script; the components are started once");
+}
+
+/// What only a line of the shell asks for.
+void addLineCommands(CLI::App& app, Settings& settings) {
+    addCommand(app, settings, "help", Settings::Command::Quit, "Shows the commands, or the usage of one")
+        ->add_option("COMMAND", settings.target, "The command; all of them when absent");
+    addCommand(app, settings, "quit", Settings::Command::Quit, "Ends the shell, as Ctrl-D does")->alias("exit");
 }
 
 void addCommands(CLI::App& app, Settings& settings) {
@@ -140,7 +154,7 @@ void applyNode(const std::string& node, Settings& settings) {
 }
 
 [[noreturn]] void refuse(const std::string& reason) {
-    throw Failure(ExitStatus::WrongUsage, reason + " (tev-agent --help shows the usage)");
+    throw Failure(ExitStatus::WrongUsage, reason);
 }
 
 /// What is wrong with the use of an option that takes one value. The parser tells the two cases apart by words only.
@@ -220,46 +234,220 @@ void verify(const Settings& settings) {
     }
 }
 
+/// What the help of a command shows below its options; a command stands behind `prefix`.
+void addExamples(CLI::App& app, const std::string& prefix, const std::string& more) {
+    const std::map<std::string, std::vector<std::string>> examples = {
+        {"list", {"list", "list --output json"}},
+        {"get", {"get TransportModel", "get TransportModel version selectedModelOptions"}},
+        {"export",
+         {"export TransportModel sftp://operator@backup.example/models/",
+          "export --all --jobs 8 sftp://operator@backup.example/models/ --password-file secret"}},
+        {"check", {"check", "check build/release/lib/libtev_schema_populator.so"}},
+        {"shell", {"shell", "shell < commands.txt"}},
+        {"help", {"help", "help export"}},
+    };
+    for (CLI::App* const command : app.get_subcommands({})) {
+        const auto found = examples.find(command->get_name());
+        std::string footer;
+        if (found != examples.end()) {
+            footer = "Examples:\n";
+            for (const std::string& example : found->second) {
+                footer += "  " + prefix + example + "\n";
+            }
+        }
+        command->footer(footer + more);
+    }
+}
+
+/// The parser of the program's arguments, or of a line.
+class Parser {
+public:
+    explicit Parser(bool isOfLine, Settings initial = {})
+        : settings(std::move(initial)), app(isOfLine ? "" : aboutTheProgram, isOfLine ? "" : "tev-agent") {
+        app.require_subcommand(0, 1);  // that there is one is verified last, so that an unknown one is named
+        app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+        app.fallthrough();  // the options may stand behind the command, too
+        app.set_help_flag("-h,--help", "Show this help");
+        addOptions(app, settings, words);
+        addCommands(app, settings);
+        if (isOfLine) {
+            arrangeLine();
+        } else {
+            app.set_version_flag("--version", "tev-agent " TEV_VERSION, "Show the version");
+            addShell(app, settings);
+            addExamples(app, "tev-agent --node DIR ",
+                        "The options of tev-agent (tev-agent --help) may stand here, too.");
+        }
+    }
+    Parser(const Parser&) = delete;
+    Parser& operator=(const Parser&) = delete;
+
+    /// Settings that are not verified yet; complete when they hold information.
+    void take(int argumentCount, const char* const* arguments) {
+        try {
+            app.parse(argumentCount, arguments);
+        } catch (const CLI::Success& e) {
+            app.require_subcommand(1);  // the usage shows it as required
+            std::ostringstream text;
+            app.exit(e, text, text);
+            settings.information = text.str();
+            return;
+        } catch (const CLI::ArgumentMismatch& e) {
+            refuse(misuse(e));
+        } catch (const CLI::ParseError& e) {
+            refuse(e.what() + (app.got_subcommand("get") || app.got_subcommand("export")
+                                   ? hintFor(argumentCount, arguments)
+                                   : ""));
+        }
+        if (app.get_subcommands().empty()) {
+            refuse("no command is given");
+        }
+        settings.nodeOptions = nodeOptions();
+    }
+
+    /// Completes the settings.
+    void finish() {
+        settings.isConfigurationNamed = !settings.configuration.empty();
+        if (!words.node.empty()) {
+            applyNode(words.node, settings);
+        }
+        if (isOutputNamed()) {
+            settings.output = words.output == json ? Settings::Output::Json : Settings::Output::Table;
+        }
+        if (settings.command == Settings::Command::Export) {
+            arrangeExport(settings);
+        }
+        verify(settings);
+    }
+
+    bool isOutputNamed() const { return app.get_option("--output")->count() > 0; }
+
+    Settings settings;
+    Words words;
+    CLI::App app;
+
+private:
+    static constexpr const char* aboutTheProgram =
+        "Hosts the management components of a node and shows what they serve.";
+
+    /// Options that hold for the whole shell are known, so that they can be refused, but not shown.
+    void arrangeLine() {
+        for (CLI::Option* const option : app.get_options()) {
+            if (option != app.get_help_ptr() && option != app.get_option("--output")) {
+                option->group("");
+            }
+        }
+        addLineCommands(app, settings);
+        addExamples(app, "", "");
+        app.footer(
+            "The node's files and the components are those of the time when the shell began.\n"
+            "Words are quoted as in a shell; # begins a comment. help COMMAND shows examples.");
+    }
+
+    std::vector<std::string> nodeOptions() const {
+        std::vector<std::string> given;
+        for (const CLI::Option* const option : app.get_options()) {
+            if (option != app.get_option("--output")) {
+                for (const std::string& value : option->results()) {
+                    given.push_back("--" + option->get_lnames().front() + "=" + value);
+                }
+            }
+        }
+        return given;
+    }
+};
+
+/// Ends the sentence of a wrong usage with where to find the right one.
+template <class Function>
+Settings withHint(const char* hint, Function&& function) {
+    try {
+        return function();
+    } catch (const Failure& e) {
+        throw Failure(e.status(), std::string(e.what()) + hint);
+    }
+}
+
+/// What `help` shows, of the command that it names, if any.
+std::string helpOf(const std::string& command) {
+    const std::vector<std::string> known = CommandLine::lineCommands();
+    if (!command.empty() && std::find(known.begin(), known.end(), command) == known.end()) {
+        refuse("there is no command " + command);
+    }
+    Parser parser(true);
+    parser.app.require_subcommand(1);  // the usage shows it as required
+    return command.empty() ? parser.app.help() : parser.app.get_subcommand(command)->help();
+}
+
 }  // namespace
 
 Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
-    Settings settings;
-    Words words;
-    CLI::App app("Hosts the management components of a node and shows what they serve.", "tev-agent");
-    app.require_subcommand(0, 1);  // that there is one is verified last, so that an unknown one is named
-    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    app.fallthrough();  // the options may stand behind the command, too
-    app.set_help_flag("-h,--help", "Show this help");
-    app.set_version_flag("--version", "tev-agent " TEV_VERSION, "Show the version");
-    addOptions(app, settings, words);
-    addCommands(app, settings);
-    try {
-        app.parse(argumentCount, arguments);
-    } catch (const CLI::Success& e) {
-        app.require_subcommand(1);  // the usage shows it as required
-        std::ostringstream text;
-        app.exit(e, text, text);
-        settings.information = text.str();
+    return withHint(" (tev-agent --help shows the usage)", [&] {
+        Parser parser(false);
+        parser.take(argumentCount, arguments);
+        if (parser.settings.information.empty()) {
+            parser.finish();
+        }
+        return parser.settings;
+    });
+}
+
+Settings CommandLine::parseLine(const std::vector<std::string>& words, const Settings& session) {
+    return withHint(" (help shows the usage)", [&] {
+        Parser parser(true, session);
+        std::vector<const char*> arguments = {""};
+        for (const std::string& word : words) {
+            arguments.push_back(word.c_str());
+        }
+        parser.take(static_cast<int>(arguments.size()), arguments.data());
+        Settings& settings = parser.settings;
+        if (!settings.information.empty()) {
+            return settings;
+        }
+        if (!settings.nodeOptions.empty()) {
+            const std::string& option = settings.nodeOptions.front();
+            refuse(option.substr(0, option.find('=')) + " holds for the whole shell, and stands before its name");
+        }
+        if (parser.app.got_subcommand("help")) {
+            settings.information = helpOf(settings.target);
+            return settings;
+        }
+        settings.arguments = session.nodeOptions;
+        if (!parser.isOutputNamed()) {
+            settings.arguments.push_back(std::string("--output=") +
+                                         (session.output == Settings::Output::Json ? json : table));
+        }
+        settings.arguments.insert(settings.arguments.end(), words.begin(), words.end());
+        parser.finish();
         return settings;
-    } catch (const CLI::ArgumentMismatch& e) {
-        refuse(misuse(e));
-    } catch (const CLI::ParseError& e) {
-        refuse(e.what() +
-               (app.got_subcommand("get") || app.got_subcommand("export") ? hintFor(argumentCount, arguments) : ""));
+    });
+}
+
+std::vector<std::string> CommandLine::lineCommands() {
+    const Parser parser(true);
+    std::vector<std::string> names;
+    for (const CLI::App* const command : parser.app.get_subcommands({})) {
+        names.push_back(command->get_name());
+        names.insert(names.end(), command->get_aliases().begin(), command->get_aliases().end());
     }
-    if (app.get_subcommands().empty()) {
-        refuse("no command is given");
+    return names;
+}
+
+std::map<std::string, bool> CommandLine::lineOptions(const std::string& command) {
+    const Parser parser(true);
+    std::map<std::string, bool> options;
+    const auto add = [&](const CLI::App& app) {
+        for (const CLI::Option* const option : app.get_options()) {
+            if (!option->get_positional() && !option->get_group().empty()) {
+                options.emplace(option->get_name(), option->get_items_expected_max() > 0);
+            }
+        }
+    };
+    const std::vector<std::string> known = lineCommands();
+    if (std::find(known.begin(), known.end(), command) != known.end()) {
+        add(parser.app);
+        add(*parser.app.get_subcommand(command));
     }
-    settings.isConfigurationNamed = !settings.configuration.empty();
-    if (!words.node.empty()) {
-        applyNode(words.node, settings);
-    }
-    settings.output = words.output == json ? Settings::Output::Json : Settings::Output::Table;
-    if (settings.command == Settings::Command::Export) {
-        arrangeExport(settings);
-    }
-    verify(settings);
-    return settings;
+    return options;
 }
 
 }  // namespace TevAgent

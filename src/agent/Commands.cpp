@@ -16,6 +16,7 @@
 #include "Operation.h"
 #include "Password.h"
 #include "SchemaClass.h"
+#include "Shell.h"
 #include "TableText.h"
 #include "Text.h"
 
@@ -129,6 +130,10 @@ ExitStatus Commands::run() {
     }
     initialize(agent, librariesOf(settings));
     agent.start();
+    return settings.command == Settings::Command::Shell ? Shell(agent, settings, output).run() : carryOut(agent);
+}
+
+ExitStatus Commands::carryOut(Agent& agent) {
     switch (settings.command) {
         case Settings::Command::List:
             return list(agent);

@@ -23,6 +23,9 @@ public:
     /// `Failure` or `Interrupted` when the command ends early.
     ExitStatus run();
 
+    /// As `run`, in an agent whose components are started. Not for `check`, which loads the component anew.
+    ExitStatus carryOut(Agent& agent);
+
 private:
     ExitStatus list(Agent& agent);
     ExitStatus get(Agent& agent);

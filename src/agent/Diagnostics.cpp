@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <exception>
 #include <string_view>
 
@@ -14,6 +15,8 @@ namespace TevAgent {
 namespace {
 
 thread_local Diagnostics::Capture* innermost = nullptr;
+
+std::atomic<unsigned long> scriptLine{0};  ///< 0 for none
 
 constexpr std::string_view noMemory = "tev-agent: no memory to tell of a failure\n";
 
@@ -38,11 +41,21 @@ void Diagnostics::say(const std::string& sentence) noexcept {
 
 void Diagnostics::sayAtOnce(const std::string& sentence) noexcept {
     try {
+        const unsigned long number = scriptLine;
+        const std::string place = number == 0 ? "" : "line " + std::to_string(number) + ": ";
         const std::string prefix = Screen::of(STDERR_FILENO).emphasised(Screen::Emphasis::Title, "tev-agent:");
-        writeToStandardError(prefix + " " + Text::escaped(sentence) + "\n");
+        writeToStandardError(prefix + " " + place + Text::escaped(sentence) + "\n");
     } catch (const std::exception&) {
         writeToStandardError(noMemory);
     }
+}
+
+Diagnostics::ScriptLine::ScriptLine(unsigned long number) {
+    scriptLine = number;
+}
+
+Diagnostics::ScriptLine::~ScriptLine() {
+    scriptLine = 0;
 }
 
 Diagnostics::Capture::Capture() : outer(innermost) {

@@ -18,6 +18,16 @@ public:
     /// Says `sentence` to the operator whatever the thread keeps, because the program ends.
     static void sayAtOnce(const std::string& sentence) noexcept;
 
+    /// While it lives, all that is said to the operator begins with the line of the script that it is about: "line 3:
+    /// ". One at a time.
+    class ScriptLine {
+    public:
+        explicit ScriptLine(unsigned long number);
+        ~ScriptLine();
+        ScriptLine(const ScriptLine&) = delete;
+        ScriptLine& operator=(const ScriptLine&) = delete;
+    };
+
     /// Keeps what its thread says while it lives, so that a caller can make it the reason of a failure of its own and
     /// the operator reads it once. What was not taken is said when the capture ends. Lives on its thread's stack.
     class Capture {

@@ -1,6 +1,7 @@
 #include "Interruption.h"
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <array>
 #include <atomic>
@@ -14,12 +15,16 @@ namespace TevAgent {
 namespace {
 
 std::atomic<bool> isNoted{false};
+std::atomic<bool> isFinalNoted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "the signal handler may set it");
 
 constexpr std::array<int, 3> watched = {SIGINT, SIGTERM, SIGHUP};
 constexpr int pollSlice = 200;  // milliseconds
 
-void note(int) {
+void note(int noted) {
+    if (noted != SIGINT) {
+        isFinalNoted = true;
+    }
     isNoted = true;
     for (const int signal : watched) {
         struct sigaction action {};
@@ -50,6 +55,21 @@ bool Interruption::isRequested() {
     return isNoted;
 }
 
+bool Interruption::isFinal() {
+    return isFinalNoted;
+}
+
+void Interruption::forget() {
+    isNoted = false;
+    Tev::SftpWrapper::allowAgain();
+    watch();
+    if (isFinal()) {
+        // It came meanwhile.
+        isNoted = true;
+        Tev::SftpWrapper::interruptAll();
+    }
+}
+
 void Interruption::check() {
     if (isRequested()) {
         throw Interrupted();
@@ -64,6 +84,15 @@ void Interruption::waitForInput(int descriptor) {
         // In slices: the signal may come just before the wait, or to another thread.
         count = poll(&input, 1, pollSlice);
     } while (count == 0 || (count == -1 && errno == EINTR));
+}
+
+ssize_t Interruption::readByte(int descriptor, char& byte) {
+    ssize_t count = 0;
+    do {
+        waitForInput(descriptor);
+        count = read(descriptor, &byte, 1);
+    } while (count == -1 && (errno == EINTR || errno == EAGAIN));
+    return count;
 }
 
 }  // namespace TevAgent

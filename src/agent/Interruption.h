@@ -1,6 +1,8 @@
 #ifndef TEV_AGENT_INTERRUPTION_H
 #define TEV_AGENT_INTERRUPTION_H
 
+#include <sys/types.h>
+
 #include <exception>
 
 namespace TevAgent {
@@ -23,12 +25,23 @@ public:
     /// Whether a signal was noted. Any thread.
     static bool isRequested();
 
+    /// Whether one of them ends the program, not just the command that is under way: SIGTERM or SIGHUP. Any thread.
+    static bool isFinal();
+
+    /// Takes up again what `watch` began, as if no signal had come, so that another command can be carried out; not
+    /// when one was final. No command is under way.
+    static void forget();
+
     /// Throws `Interrupted` once a signal was noted. Called between the steps of a command; any thread.
     static void check();
 
     /// Returns once `descriptor` can be read, or is at its end; throws `Interrupted` as soon as a signal is noted. Any
     /// thread.
     static void waitForInput(int descriptor);
+
+    /// Waits for the next byte of `descriptor` and takes it, and nothing behind it. Returns 1; 0 at the end; -1, with
+    /// `errno`, when it cannot be read. Throws as `waitForInput`; any thread.
+    static ssize_t readByte(int descriptor, char& byte);
 };
 
 }  // namespace TevAgent

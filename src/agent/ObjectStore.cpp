@@ -82,6 +82,29 @@ std::vector<std::string> ObjectStore::keys(const std::string& parentDn, const st
     return found == nullptr ? std::vector<std::string>() : found->keys;
 }
 
+std::vector<std::string> ObjectStore::children(const std::string& parentDn) const {
+    std::vector<std::string> rdns;
+    if (const ManagedObject* const parent = find(parentDn)) {
+        for (const auto& [className, instances] : parent->children) {
+            for (const std::string& key : instances.keys) {
+                rdns.push_back(className);
+                rdns.back().append("=").append(key);
+            }
+        }
+    }
+    return rdns;
+}
+
+std::vector<std::string> ObjectStore::attributeNames(const std::string& dn) const {
+    std::vector<std::string> names;
+    if (const ManagedObject* const object = find(dn)) {
+        for (const auto& [name, attribute] : object->attributes) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
 const ObjectAttribute* ObjectStore::attribute(const std::string& dn, const std::string& name) const {
     const ManagedObject* object = find(dn);
     if (object == nullptr) {

@@ -37,6 +37,13 @@ public:
     /// order; none when there is no such parent or class.
     std::vector<std::string> keys(const std::string& parentDn, const std::string& className) const;
 
+    /// The RDNs of the objects of all classes directly under `parentDn`, which is empty for the root; none when there
+    /// is no such parent.
+    std::vector<std::string> children(const std::string& parentDn) const;
+
+    /// The names of the attributes of the object `dn`; none when there is no such object.
+    std::vector<std::string> attributeNames(const std::string& dn) const;
+
     /// The attribute `name` of the object `dn`, owned by the store, or null when there is no such object or attribute.
     /// An attribute without values is there all the same.
     const ObjectAttribute* attribute(const std::string& dn, const std::string& name) const;

@@ -1,6 +1,5 @@
 #include "Password.h"
 
-#include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include "Descriptor.h"
 #include "Failure.h"
 #include "Interruption.h"
+#include "OpenFile.h"
 
 namespace TevAgent {
 
@@ -19,21 +19,6 @@ namespace {
 [[noreturn]] void refuse(const std::string& reason) {
     throw Failure(ExitStatus::WrongUsage, reason);
 }
-
-/// A file that is closed with the object.
-class OpenFile {
-public:
-    OpenFile(const char* file, int flags) : descriptor(open(file, flags | O_CLOEXEC | O_NOCTTY)) {}
-    ~OpenFile() {
-        if (descriptor != -1) {
-            close(descriptor);
-        }
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    const int descriptor;  ///< -1 when it could not be opened
-};
 
 /// Keeps what is typed from being shown, and the keys that stop or end a program from doing so: a shell turns the echo
 /// on when a program has stopped, and nobody does when it has ended. The interrupt key ends the asking in good order.
@@ -103,11 +88,7 @@ Password::~Password() {
 
 void Password::read(int descriptor, const std::string& source) {
     for (std::size_t size = 0; size < line.size();) {
-        Interruption::waitForInput(descriptor);
-        const ssize_t count = ::read(descriptor, &line[size], 1);
-        if (count == -1 && (errno == EINTR || errno == EAGAIN)) {
-            continue;
-        }
+        const ssize_t count = Interruption::readByte(descriptor, line[size]);
         if (count == -1) {
             throw Failure(ExitStatus::NotStarted,
                           "cannot read the password from " + source + ": " + std::generic_category().message(errno));

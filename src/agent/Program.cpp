@@ -5,14 +5,13 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <string>
 #include <system_error>
 
 #include "CommandLine.h"
 #include "Commands.h"
-#include "Diagnostics.h"
+#include "Ending.h"
 #include "ExitGuard.h"
 #include "Failure.h"
 #include "Interruption.h"
@@ -82,23 +81,13 @@ ExitStatus execute(int argumentCount, const char* const* arguments, StandardOutp
 
 int Program::run(int argumentCount, const char* const* arguments) {
     const ExitGuard guard;
-    ExitStatus status = ExitStatus::OperationFailed;
-    try {
+    return static_cast<int>(Ending::of([&] {
         StandardOutput output;
         Interruption::watch();
-        status = execute(argumentCount, arguments, output);
+        const ExitStatus status = execute(argumentCount, arguments, output);
         output.close();
-    } catch (const Failure& e) {
-        Diagnostics::say(e.what());
-        status = e.status();
-    } catch (const Interrupted& e) {
-        Diagnostics::say(e.what());
-        status = ExitStatus::Interrupted;
-    } catch (const std::exception& e) {
-        Diagnostics::say(e.what());
-        status = ExitStatus::OperationFailed;
-    }
-    return static_cast<int>(status);
+        return status;
+    }));
 }
 
 }  // namespace TevAgent

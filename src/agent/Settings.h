@@ -13,7 +13,7 @@ struct Settings {
     /// The component looks its configuration up a second time under this name, so the file can have no other.
     static constexpr const char* configurationName = "libtev_schema_populator.cfg";
 
-    enum class Command { List, Get, Export, Check };
+    enum class Command { List, Get, Export, Check, Shell, Quit };
     enum class Output { Table, Json };
 
     std::string models;                   ///< folder of model files
@@ -24,12 +24,14 @@ struct Settings {
     std::optional<int> logLevel;
     std::string logFile;
     Output output = Output::Table;
+    std::vector<std::string> nodeOptions;  ///< all of the above but the output, as they were given, one argument each
 
     Command command = Command::List;
     std::string filter;                   ///< of list: a shell pattern for the schema ids
     std::string target;                   ///< of get and export: a DN or a schema id
     std::vector<std::string> attributes;  ///< of get
     std::string checkedLibrary;           ///< of check
+    std::vector<std::string> arguments;   ///< of a line of the shell: what the program is given for the same
 
     // Of export.
     std::string uri;                   ///< as given; for every model it ends in "/"

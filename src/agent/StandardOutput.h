@@ -27,6 +27,9 @@ public:
     /// Writes all of `text` at once. Throws `Failure` (operation failed) with the reason.
     void write(std::string_view text);
 
+    /// The descriptor that is written to, for a program that is given it as its standard output; -1 when there is none.
+    int get() const { return descriptor; }
+
     /// Ends the output. Throws `Failure` (operation failed) when the system tells only now that something was lost.
     void close();
 

@@ -212,6 +212,88 @@ TEST(CommandLineTest, showsHelpForTheProgramAndEachCommand) {
     EXPECT_THAT(parse({"check", "--help"}).information, HasSubstr("FILE.so"));
 }
 
+TEST(CommandLineTest, showsExamplesOfACommand) {
+    EXPECT_THAT(parse({"get", "--help"}).information, HasSubstr("  tev-agent --node DIR get TransportModel\n"));
+    EXPECT_THAT(parse({"shell", "--help"}).information, HasSubstr("  tev-agent --node DIR shell\n"));
+}
+
+class LineTest : public testing::Test {
+protected:
+    Settings parseLine(const std::vector<std::string>& words) const { return CommandLine::parseLine(words, session); }
+
+    std::string lineRefusal(const std::vector<std::string>& words) const {
+        try {
+            parseLine(words);
+            return "taken";
+        } catch (const Failure& e) {
+            EXPECT_EQ(e.status(), ExitStatus::WrongUsage);
+            return e.what();
+        }
+    }
+
+    const Settings session =
+        parse({"--models", "m", "--component", "a.so", "--output", "json", "--log-level=3", "shell"});
+};
+
+TEST_F(LineTest, aLineIsACommandForTheSameNode) {
+    const Settings settings = parseLine({"get", "Transport", "version"});
+    EXPECT_EQ(settings.command, Settings::Command::Get);
+    EXPECT_EQ(settings.target, "Transport");
+    EXPECT_THAT(settings.attributes, ElementsAre("version"));
+    EXPECT_EQ(settings.models, "m");
+    EXPECT_THAT(settings.components, ElementsAre("a.so"));
+    EXPECT_EQ(settings.output, Settings::Output::Json);
+}
+
+TEST_F(LineTest, theOutputOfALineGoesBeforeThatOfTheShell) {
+    EXPECT_EQ(parseLine({"list", "--output", "table"}).output, Settings::Output::Table);
+    EXPECT_EQ(CommandLine::parseLine({"list", "--output", "json"}, parse({"--models", "m", "shell"})).output,
+              Settings::Output::Json);
+}
+
+TEST_F(LineTest, tellsWhatTheProgramIsGivenForTheSame) {
+    EXPECT_THAT(parseLine({"check", "b.so"}).arguments,
+                ElementsAre("--models=m", "--component=a.so", "--log-level=3", "--output=json", "check", "b.so"));
+    EXPECT_THAT(parseLine({"check", "--output=table"}).arguments,
+                ElementsAre("--models=m", "--component=a.so", "--log-level=3", "check", "--output=table"));
+}
+
+TEST_F(LineTest, refusesWhatHoldsForTheWholeShell) {
+    for (const std::string option : {"--node", "--models", "--objects", "--component", "--config", "--log-file"}) {
+        EXPECT_EQ(lineRefusal({"list", option, "x"}),
+                  option + " holds for the whole shell, and stands before its name (help shows the usage)");
+    }
+    EXPECT_THAT(lineRefusal({"--log-level", "1", "list"}), StartsWith("--log-level holds for the whole shell"));
+    EXPECT_THAT(lineRefusal({"shell"}), HasSubstr("shell"));
+}
+
+TEST_F(LineTest, helpShowsTheCommandsOrTheUsageOfOneWithExamples) {
+    const std::string all = parseLine({"help"}).information;
+    for (const std::string& command : CommandLine::lineCommands()) {
+        EXPECT_THAT(all, HasSubstr(command));
+        const std::string one = parseLine({"help", command}).information;
+        EXPECT_THAT(one, HasSubstr("Usage: "));
+        EXPECT_EQ(one.find("tev-agent"), std::string::npos) << "a line has no name of a program";
+    }
+    EXPECT_EQ(all.find("--node"), std::string::npos);
+    EXPECT_THAT(parseLine({"help", "get"}).information, HasSubstr("Examples:\n  get TransportModel\n"));
+    EXPECT_EQ(lineRefusal({"help", "list", "get"}).find("taken"), std::string::npos);
+    EXPECT_EQ(lineRefusal({"help", "nothing"}), "there is no command nothing (help shows the usage)");
+}
+
+TEST_F(LineTest, tellsTheCommandsAndTheirOptions) {
+    EXPECT_THAT(CommandLine::lineCommands(),
+                testing::UnorderedElementsAre("list", "get", "export", "check", "help", "quit", "exit"));
+    const std::map<std::string, bool> options = CommandLine::lineOptions("export");
+    EXPECT_THAT(options, testing::IsSupersetOf({std::pair<const std::string, bool>("--all", false),
+                                                {"--help", false},
+                                                {"--jobs", true},
+                                                {"--output", true},
+                                                {"--password-file", true}}));
+    EXPECT_EQ(options.count("--node"), 0U);
+    EXPECT_THAT(CommandLine::lineOptions("nothing"), IsEmpty());
+}
+
 TEST(CommandLineTest, showsTheVersionEverywhere) {
     for (const std::vector<const char*>& arguments :
          {std::vector<const char*>{"--version"}, {"list", "--version"}, {"get", "--version"}, {"check", "--version"}}) {

@@ -23,6 +23,18 @@ TEST(DiagnosticsTest, writesControlCharactersAsEscapesSoOneSentenceIsOneLine) {
     EXPECT_EQ(onStandardError([] { Diagnostics::say("a\nb\x1b[2J"); }), "tev-agent: a\\nb\\x1b[2J\n");
 }
 
+TEST(DiagnosticsTest, namesTheLineOfAScriptThatASentenceIsAboutWhoeverSaysIt) {
+    EXPECT_EQ(onStandardError([] {
+                  {
+                      const Diagnostics::ScriptLine line(3);
+                      Diagnostics::say("one");
+                      std::thread([] { Diagnostics::say("two"); }).join();
+                  }
+                  Diagnostics::say("three");
+              }),
+              "tev-agent: line 3: one\ntev-agent: line 3: two\ntev-agent: three\n");
+}
+
 TEST(DiagnosticsTest, aCaptureKeepsWhatIsSaid) {
     std::string taken;
     EXPECT_EQ(onStandardError([&] {

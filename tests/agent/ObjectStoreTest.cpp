@@ -72,6 +72,16 @@ TEST_F(ObjectStoreTest, knowsNoOtherDn) {
     }
 }
 
+TEST_F(ObjectStoreTest, tellsWhatStandsUnderAnObjectAndWhichAttributesItHas) {
+    const ObjectStore store = load(nodeObjects);
+    EXPECT_THAT(store.children(""), ElementsAre("ManagedElement=1", "ManagedElement=2"));
+    EXPECT_THAT(store.children("ManagedElement=1"), ElementsAre("Transport=b", "Transport=a", "Transport=c"));
+    EXPECT_THAT(store.children(bulk), IsEmpty());
+    EXPECT_THAT(store.children("no DN"), IsEmpty());
+    EXPECT_THAT(store.attributeNames(bulk), ElementsAre("dscp", "names", "none"));
+    EXPECT_THAT(store.attributeNames("ManagedElement=9"), IsEmpty());
+}
+
 TEST_F(ObjectStoreTest, listsKeysInTheFilesOrder) {
     const ObjectStore store = load(nodeObjects);
     EXPECT_THAT(store.keys("ManagedElement=1", "Transport"), ElementsAre("b", "a", "c"));

@@ -48,6 +48,14 @@ const std::string& Terminal::waitFor(const std::string& expected) {
     return text;
 }
 
+std::string Terminal::take(const std::string& expected) {
+    waitFor(expected);
+    const std::size_t end = text.find(expected) + expected.size();
+    std::string taken = text.substr(0, end);
+    text.erase(0, end);
+    return taken;
+}
+
 const std::string& Terminal::shown() {
     // The kernel hands on later what a program wrote: all of it is here once what is written after it is.
     const char mark = '\x1e';

@@ -26,6 +26,9 @@ public:
     /// it does not appear within a minute.
     const std::string& waitFor(const std::string& text);
 
+    /// As waitFor, but returns what was shown up to the end of `text`, which the other functions then know no more of.
+    std::string take(const std::string& text);
+
     /// All that was shown so far. Throws as waitFor does.
     const std::string& shown();
 

@@ -5,11 +5,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 
 #include "FileDescriptor.h"
 #include "QuotedText.h"
+#include "StateFolder.h"
 #include "TevException.h"
 
 namespace Tev {
@@ -17,42 +17,6 @@ namespace Tev {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string variable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-fs::path stateFolder() {
-    if (const std::string given = variable("TEV_STATE_DIR"); !given.empty()) {
-        return fs::absolute(given);
-    }
-    if (geteuid() == 0) {
-        return "/var/lib/tev";
-    }
-    if (const std::string base = variable("XDG_STATE_HOME"); fs::path(base).is_absolute()) {
-        return fs::path(base) / "tev";
-    }
-    if (const std::string home = variable("HOME"); fs::path(home).is_absolute()) {
-        return fs::path(home) / ".local/state/tev";
-    }
-    throw TevException("there is no folder to remember host keys in; set TEV_STATE_DIR");
-}
-
-/// Makes the folder and those above it that are missing.
-void make(const fs::path& folder) {
-    fs::path part;
-    for (const fs::path& name : folder) {
-        part /= name;
-        if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) {
-            const std::error_code reason(errno, std::generic_category());
-            std::error_code ignored;
-            if (!fs::is_directory(part, ignored)) {
-                throw fs::filesystem_error("mkdir", part, reason);
-            }
-        }
-    }
-}
 
 /// Has the system set aside what a line needs behind the file's end, where it can do that: the client does not notice
 /// that the disk is full. The file stays as it is, whoever writes to it meanwhile.
@@ -77,14 +41,17 @@ std::string quotedForShell(const std::string& text) {
 }  // namespace
 
 KnownHosts::KnownHosts() {
-    const fs::path folder = stateFolder();
+    const fs::path folder = StateFolder::path();
+    if (folder.empty()) {
+        throw TevException("there is no folder to remember host keys in; set TEV_STATE_DIR");
+    }
     file = folder / "known_hosts";
     // These have a meaning to the client that nothing takes away.
     if (file.find("${") != std::string::npos || file.find_first_of("\n\r") != std::string::npos) {
         throw TevException("the SFTP client cannot use the state folder's name; set TEV_STATE_DIR");
     }
     try {
-        make(folder);
+        StateFolder::make(folder);
         const FileDescriptor opened(open(file.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, 0600),
                                     "open");
         setRoomAside(opened);

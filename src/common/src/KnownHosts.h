@@ -5,8 +5,7 @@
 
 namespace Tev {
 
-/// The file in which the client remembers the servers' host keys: `known_hosts` in the state folder, which is
-/// `$TEV_STATE_DIR`; else for root `/var/lib/tev`; else `$XDG_STATE_HOME/tev`, else `~/.local/state/tev`.
+/// The file in which the client remembers the servers' host keys: `known_hosts` in the state folder.
 class KnownHosts {
 public:
     /// Makes the folder (mode 0700) and the file where they are missing. Throws TevException when no line can be added

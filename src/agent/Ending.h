@@ -1,0 +1,19 @@
+#ifndef TEV_AGENT_ENDING_H
+#define TEV_AGENT_ENDING_H
+
+#include <functional>
+
+#include "ExitStatus.h"
+
+namespace TevAgent {
+
+/// How commands end.
+class Ending {
+public:
+    /// Carries out `command`. Returns what it returns; when it throws, says why and returns the status of that.
+    static ExitStatus of(const std::function<ExitStatus()>& command);
+};
+
+}  // namespace TevAgent
+
+#endif
