@@ -66,7 +66,7 @@ protected:
         static AgentProcess::Setting settingOn(const Terminal& terminal, const ShellTest& test) {
             terminal.setWidth(80);
             AgentProcess::Setting setting;
-            setting.environment = {{"TERM", "xterm"}, {"TEV_STATE_DIR", test.state}};
+            setting.environment = {{"TERM", "xterm"}, {"NO_COLOR", "1"}, {"TEV_STATE_DIR", test.state}};
             setting.in = terminal.descriptor();
             setting.out = terminal.descriptor();
             setting.err = terminal.descriptor();
@@ -99,7 +99,7 @@ TEST_F(ShellTest, carriesOutWhatIsTypedAndPromptsAgain) {
 
 TEST_F(ShellTest, saysAFailureWithoutALineAndEndsWell) {
     Session shell = start();
-    shell.type("get Nothing\n", "\r\ntev-agent: there is no " + TestNode::schemaDn("Nothing") + "\r\n" + prompt);
+    shell.type("get Nothing\n", "; tev-agent list shows those that there are\r\n" + prompt);
     shell.type("get 'Nothing\n", "\r\ntev-agent: a ' has no second one that ends its quotation\r\n" + prompt);
     EXPECT_EQ(shell.end(), 0);
 }
