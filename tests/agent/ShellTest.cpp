@@ -316,9 +316,10 @@ TEST_F(ShellTest, completesNamesOfFilesAndQuotesThem) {
 }
 
 TEST_F(ShellTest, aComponentThatFailsGivesNoCandidatesAndSaysNothing) {
-    Session shell = start("listing_throws_int");
+    Session shell = start("listing_and_finish_throw");
     shell.terminal.type("get \tx\x03");
     EXPECT_THAT(shell.terminal.take("^C\r\n" + prompt), Not(HasSubstr("tev-agent")));
+    EXPECT_THAT(shell.type("list\n", prompt), HasSubstr("tev-agent: component TevSchemaMoService threw in finish"));
     EXPECT_EQ(shell.end(), 0);
 }
 
