@@ -166,11 +166,22 @@ TEST_F(ShellTest, aSignalThatEndsProgramsEndsItInGoodOrder) {
 TEST_F(ShellTest, ctrlCEndsTheCommandThatIsUnderWayOnly) {
     Session shell = start("endless_listing");
     for (int i = 0; i < 3; ++i) {
-        shell.type("list\n", "listing\r\n");
+        EXPECT_THAT(shell.type("list\n", "listing\r\n"), Not(HasSubstr(prompt))) << "there was one already";
         EXPECT_THAT(shell.type("\x03", prompt), HasSubstr("abort\r\nfinish\r\ntev-agent: interrupted\r\n"));
     }
     EXPECT_EQ(shell.end(), 0);
     EXPECT_THAT(shell.terminal.shown(), EndsWith("stop\r\nterminate\r\n"));
+}
+
+TEST_F(ShellTest, aTransferIsTriedAfterAnInterrupt) {
+    folder.write("password", "secret\n");
+    Session shell = start();
+    shell.agent.send(SIGINT);
+    shell.terminal.take(prompt);
+    // Nobody listens there.
+    EXPECT_THAT(shell.type("export Transport sftp://u@127.0.0.1:1/p --password-file password\n", prompt),
+                HasSubstr("Connection refused"));
+    EXPECT_EQ(shell.end(), 0);
 }
 
 TEST_F(ShellTest, aTransferIsPossibleAfterOneThatWasInterrupted) {
@@ -305,9 +316,10 @@ TEST_F(ShellTest, completesNamesOfFilesAndQuotesThem) {
 }
 
 TEST_F(ShellTest, aComponentThatFailsGivesNoCandidatesAndSaysNothing) {
-    Session shell = start("listing_throws_int");
+    Session shell = start("listing_and_finish_throw");
     shell.terminal.type("get \tx\x03");
     EXPECT_THAT(shell.terminal.take("^C\r\n" + prompt), Not(HasSubstr("tev-agent")));
+    EXPECT_THAT(shell.type("list\n", prompt), HasSubstr("tev-agent: component TevSchemaMoService threw in finish"));
     EXPECT_EQ(shell.end(), 0);
 }
 
