@@ -3,8 +3,8 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# Needed to run what is built, to build it, to test it, to build it for 32 bit, for a private SFTP server, to fuzz, and to
-# measure.
+# Needed to run what is built, to build it, to test it, to build it for 32 bit, for a private SFTP server, to fuzz, to
+# measure, and to make Debian packages.
 run_packages=(openssh-client)
 build_packages=(cmake g++ libcli11-dev libedit-dev libexpat1-dev libpoco-dev libunistring-dev ninja-build)
 test_packages=(binutils libgmock-dev libgtest-dev python3-jsonschema)
@@ -12,6 +12,7 @@ build_32_packages=(g++-multilib googletest)
 server_packages=(libnss-wrapper openssh-server)
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(gnuplot-nox libbenchmark-dev python3)
+packaging_packages=(dpkg-dev file lintian man-db)
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then

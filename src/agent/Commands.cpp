@@ -28,14 +28,20 @@ namespace {
 
 constexpr const char* versionAttribute = "version";
 
-/// The library of the component that this agent is made for: beside the program, else the installed one.
+/// The library of the component that this agent is made for: beside the program, as it was built or as it was
+/// installed, else the one where this build installs it.
 std::string usualLibrary() {
     const std::string name = "libtev_schema_populator.so";
     // Where the system does not tell, there is nothing beside the program.
     std::error_code ignored;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-    const std::filesystem::path beside = program.parent_path().parent_path() / "lib" / name;
-    return std::filesystem::exists(beside, ignored) ? beside.string() : TEV_INSTALLED_LIBRARIES "/" + name;
+    for (const char* folder : {"lib", TEV_PLUGIN_FOLDER}) {
+        const std::filesystem::path beside = program.parent_path().parent_path() / folder / name;
+        if (std::filesystem::exists(beside, ignored)) {
+            return beside;
+        }
+    }
+    return TEV_INSTALLED_LIBRARIES "/" + name;
 }
 
 std::vector<std::string> librariesOf(const Settings& settings) {

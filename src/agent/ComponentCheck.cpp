@@ -116,27 +116,34 @@ std::vector<CheckItem> ComponentCheck::itemsNamed(const std::vector<std::string>
 
 std::vector<CheckResult> ComponentCheck::run(const std::vector<CheckItem>& items, std::size_t jobs,
                                              const Attempt& attempt, const Tell& tell) {
+    std::vector<CheckResult> results;
+    const auto add = [&](const CheckResult& result) {
+        results.push_back(result);
+        tell(result);
+    };
     // The gates first, one after the other: what they stop need not be tried.
     std::map<std::size_t, CheckResult> gates;
     std::size_t end = items.size();
     std::vector<CheckItem> others;
     for (std::size_t i = 0; i < end; ++i) {
-        if (items[i].isGate) {
-            end = gates.emplace(i, attempt(items[i])).first->second.isBad() ? i + 1 : end;
-        } else {
+        if (!items[i].isGate) {
             others.push_back(items[i]);
+            continue;
+        }
+        const CheckResult& result = gates.emplace(i, attempt(items[i])).first->second;
+        end = result.isBad() ? i + 1 : end;
+        if (others.empty()) {
+            add(result);
         }
     }
     Workers workers(others, jobs, attempt);
     std::size_t nextOther = 0;
-    std::vector<CheckResult> results;
-    for (std::size_t i = 0; i < items.size(); ++i) {
+    for (std::size_t i = results.size(); i < items.size(); ++i) {
         if (i >= end) {
-            results.push_back(skipped(items[i], items[end - 1]));
+            add(skipped(items[i], items[end - 1]));
         } else {
-            results.push_back(items[i].isGate ? gates.at(i) : workers.result(nextOther++));
+            add(items[i].isGate ? gates.at(i) : workers.result(nextOther++));
         }
-        tell(results.back());
     }
     return results;
 }

@@ -28,8 +28,8 @@ public:
     /// The items that the entries of `only`, ids and groups, name, in their order; all when it is empty.
     static std::vector<CheckItem> itemsNamed(const std::vector<std::string>& only);
 
-    /// Tries `items`, so many at a time, and tells each result, in their order. Throws `Interrupted`, and what
-    /// `attempt` and `tell` throw.
+    /// Tries `items`, so many at a time, and tells each result, in their order, as soon as it can. Throws
+    /// `Interrupted`, and what `attempt` and `tell` throw.
     static std::vector<CheckResult> run(const std::vector<CheckItem>& items, std::size_t jobs, const Attempt& attempt,
                                         const Tell& tell);
 

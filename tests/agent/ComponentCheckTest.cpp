@@ -47,6 +47,17 @@ TEST(ComponentCheckTest, tellsTheResultsInTheOrderOfTheItemsHoweverManyAreTriedA
     }
 }
 
+TEST(ComponentCheckTest, tellsAGateBeforeTheNextItemIsTriedWhereNothingStandsBeforeIt) {
+    std::vector<std::string> events;
+    const auto attempt = [&](const CheckItem& item) {
+        events.push_back(std::string("try ") + item.id);
+        return with(item, Outcome::Passed);
+    };
+    const auto tell = [&](const CheckResult& result) { events.push_back("tell " + result.id); };
+    ComponentCheck::run({items()[0], items()[2]}, 1, attempt, tell);
+    EXPECT_THAT(events, ElementsAre("try g.a", "tell g.a", "try g.c", "tell g.c"));
+}
+
 TEST(ComponentCheckTest, skipsWhatStandsBehindAGateThatFailedOrCrashed) {
     for (const Outcome outcome : {Outcome::Failed, Outcome::Crashed}) {
         std::mutex mutex;

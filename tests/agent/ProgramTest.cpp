@@ -499,6 +499,13 @@ TEST_F(ProgramTest, aLogFileThatCannotBeOpenedIsStatus3) {
                   HasSubstr("--log-file, /nowhere/log, cannot be used: No such file or directory\n"));
 }
 
+/// For a program that was taken away from its libraries.
+AgentProcess::Setting withTheLibraries() {
+    AgentProcess::Setting setting;
+    setting.environment["LD_LIBRARY_PATH"] = std::filesystem::path(TEV_COMPONENT_LIBRARY).parent_path();
+    return setting;
+}
+
 TEST_F(ProgramTest, theUsualComponentIsTheLibraryBesideTheProgram) {
     const TempFolder prefix;
     std::filesystem::create_directory(prefix.path() / "bin");
@@ -507,7 +514,7 @@ TEST_F(ProgramTest, theUsualComponentIsTheLibraryBesideTheProgram) {
     std::filesystem::copy_file(TEV_AGENT_PROGRAM, program);
     const std::filesystem::path library = prefix.path() / "lib" / "libtev_schema_populator.so";
     std::filesystem::copy_file(TEV_COMPONENT_LIBRARY, library);
-    EXPECT_THAT(AgentProcess({"check", "--only", "load.opens"}, {}, program).outcome().out,
+    EXPECT_THAT(AgentProcess({"check", "--only", "load.opens"}, withTheLibraries(), program).outcome().out,
                 HasSubstr(": " + library.string() + "\n"));
 }
 
@@ -515,7 +522,7 @@ TEST_F(ProgramTest, withoutALibraryBesideItTheUsualComponentIsTheInstalledOne) {
     const TempFolder prefix;
     const std::string program = prefix.path() / "tev-agent";
     std::filesystem::copy_file(TEV_AGENT_PROGRAM, program);
-    EXPECT_THAT(AgentProcess({"check", "--only", "load.opens"}, {}, program).outcome().out,
+    EXPECT_THAT(AgentProcess({"check", "--only", "load.opens"}, withTheLibraries(), program).outcome().out,
                 HasSubstr(std::string(": ") + TEV_INSTALLED_LIBRARIES + "/libtev_schema_populator.so: "));
 }
 

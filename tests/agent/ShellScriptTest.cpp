@@ -67,8 +67,11 @@ TEST_F(ShellScriptTest, namesTheLineThatFailsAndGoesOn) {
     const AgentOutcome outcome =
         run("get Transport version\nget Nothing\n\nget Transport nothing\nget Transport version\n");
     EXPECT_EQ(outcome.out, version + version);
-    EXPECT_EQ(outcome.err, "tev-agent: line 2: there is no " + TestNode::schemaDn("Nothing") + "\ntev-agent: line 4: " +
-                               TestNode::schemaDn("Transport") + " has no attribute nothing\n");
+    EXPECT_EQ(outcome.err,
+              "tev-agent: line 2: there is no " + TestNode::schemaDn("Nothing") +
+                  "; tev-agent list shows those that there are\ntev-agent: line 4: " + TestNode::schemaDn("Transport") +
+                  " has no attribute nothing; those of its class are schemaId, identifier, "
+                  "baseModelIdentifier, version, baseModelVersion, selectedModelOptions\n");
 }
 
 TEST_F(ShellScriptTest, theStatusIsThatOfTheFirstLineThatFails) {
@@ -250,7 +253,8 @@ TEST_F(ShellScriptTest, whatIsTypedIsAScriptWhereStandardErrorIsNoTerminal) {
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, version);
-    EXPECT_EQ(outcome.err, "tev-agent: line 1: there is no " + TestNode::schemaDn("Nothing") + "\n");
+    EXPECT_EQ(outcome.err, "tev-agent: line 1: there is no " + TestNode::schemaDn("Nothing") +
+                               "; tev-agent list shows those that there are\n");
 }
 
 }  // namespace

@@ -66,7 +66,7 @@ protected:
         static AgentProcess::Setting settingOn(const Terminal& terminal, const ShellTest& test) {
             terminal.setWidth(80);
             AgentProcess::Setting setting;
-            setting.environment = {{"TERM", "xterm"}, {"TEV_STATE_DIR", test.state}};
+            setting.environment = {{"TERM", "xterm"}, {"NO_COLOR", "1"}, {"TEV_STATE_DIR", test.state}};
             setting.in = terminal.descriptor();
             setting.out = terminal.descriptor();
             setting.err = terminal.descriptor();
@@ -85,6 +85,11 @@ protected:
         return std::string(TEV_HOSTILE_COMPONENTS) + "/" + name + ".so";
     }
 
+    /// A line for a check that has something to tell before it takes for ever.
+    static std::string endlessCheck() {
+        return "check --time-limit 600 --only load.opens --only lifecycle.start " + fault("endless_start") + "\n";
+    }
+
     TestNode node;
     const TempFolder folder;
     const std::string state = folder.path() / "state";
@@ -99,7 +104,7 @@ TEST_F(ShellTest, carriesOutWhatIsTypedAndPromptsAgain) {
 
 TEST_F(ShellTest, saysAFailureWithoutALineAndEndsWell) {
     Session shell = start();
-    shell.type("get Nothing\n", "\r\ntev-agent: there is no " + TestNode::schemaDn("Nothing") + "\r\n" + prompt);
+    shell.type("get Nothing\n", "; tev-agent list shows those that there are\r\n" + prompt);
     shell.type("get 'Nothing\n", "\r\ntev-agent: a ' has no second one that ends its quotation\r\n" + prompt);
     EXPECT_EQ(shell.end(), 0);
 }
@@ -166,11 +171,22 @@ TEST_F(ShellTest, aSignalThatEndsProgramsEndsItInGoodOrder) {
 TEST_F(ShellTest, ctrlCEndsTheCommandThatIsUnderWayOnly) {
     Session shell = start("endless_listing");
     for (int i = 0; i < 3; ++i) {
-        shell.type("list\n", "listing\r\n");
+        EXPECT_THAT(shell.type("list\n", "listing\r\n"), Not(HasSubstr(prompt))) << "there was one already";
         EXPECT_THAT(shell.type("\x03", prompt), HasSubstr("abort\r\nfinish\r\ntev-agent: interrupted\r\n"));
     }
     EXPECT_EQ(shell.end(), 0);
     EXPECT_THAT(shell.terminal.shown(), EndsWith("stop\r\nterminate\r\n"));
+}
+
+TEST_F(ShellTest, aTransferIsTriedAfterAnInterrupt) {
+    folder.write("password", "secret\n");
+    Session shell = start();
+    shell.agent.send(SIGINT);
+    shell.terminal.take(prompt);
+    // Nobody listens there.
+    EXPECT_THAT(shell.type("export Transport sftp://u@127.0.0.1:1/p --password-file password\n", prompt),
+                HasSubstr("Connection refused"));
+    EXPECT_EQ(shell.end(), 0);
 }
 
 TEST_F(ShellTest, aTransferIsPossibleAfterOneThatWasInterrupted) {
@@ -203,7 +219,7 @@ TEST_F(ShellTest, aSignalThatEndsProgramsEndsTheCommandTooAndACheck) {
     EXPECT_THAT(shell.terminal.shown(), EndsWith("tev-agent: interrupted\r\nstop\r\nterminate\r\n"));
 
     Session checking = start();
-    checking.type("check " + fault("endless_listing") + "\n", "listing\r\n");
+    checking.type(endlessCheck(), "passed   load.opens");
     checking.agent.send(SIGTERM);
     EXPECT_EQ(checking.agent.outcome().status, 130);
     EXPECT_THAT(checking.terminal.shown(), HasSubstr("tev-agent: interrupted\r\n"));
@@ -211,7 +227,7 @@ TEST_F(ShellTest, aSignalThatEndsProgramsEndsTheCommandTooAndACheck) {
 
 TEST_F(ShellTest, ctrlCEndsACheckOnly) {
     Session shell = start();
-    shell.type("check " + fault("endless_listing") + "\n", "listing\r\n");
+    shell.type(endlessCheck(), "passed   load.opens");
     EXPECT_THAT(shell.type("\x03", prompt), HasSubstr("tev-agent: interrupted\r\n"));
     shell.type("get Transport version\n", version);
     EXPECT_EQ(shell.end(), 0);
@@ -305,9 +321,10 @@ TEST_F(ShellTest, completesNamesOfFilesAndQuotesThem) {
 }
 
 TEST_F(ShellTest, aComponentThatFailsGivesNoCandidatesAndSaysNothing) {
-    Session shell = start("listing_throws_int");
+    Session shell = start("listing_and_finish_throw");
     shell.terminal.type("get \tx\x03");
     EXPECT_THAT(shell.terminal.take("^C\r\n" + prompt), Not(HasSubstr("tev-agent")));
+    EXPECT_THAT(shell.type("list\n", prompt), HasSubstr("tev-agent: component TevSchemaMoService threw in finish"));
     EXPECT_EQ(shell.end(), 0);
 }
 

@@ -24,9 +24,10 @@ const std::string anything = "\u2026";
 
 // The calls, and what is assigned to, whose texts go to the log or into the help.
 const std::vector<std::string> otherNames = {
-    "SCHEMA_LOG",    "SCHEMA_LOG_AS",    "SCHEMA_TRACE", "SCHEMA_TRACE_AS", "SCHEMA_TRACE_TO",
-    "addCommand",    "add_flag",         "add_option",   "footer",          "logic_error",
-    "set_help_flag", "set_version_flag", "app",          "static_assert"};
+    "SCHEMA_LOG", "SCHEMA_LOG_AS", "SCHEMA_TRACE",    "SCHEMA_TRACE_AS", "SCHEMA_TRACE_TO", "addCommand",
+    "add_flag",   "add_option",    "footer",          "logic_error",     "set_help_flag",   "set_version_flag",
+    "app",        "static_assert", "aboutTheProgram", "addExamples",     "examples",        "el_wset",
+    "fputs"};
 
 // What these say, only the log tells of; ClientWords.cpp knows the SFTP client's words.
 const std::set<std::string> otherFiles = {
