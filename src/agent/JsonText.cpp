@@ -95,7 +95,7 @@ std::vector<CheckResult> JsonText::checkResults(const std::string& text) {
         const auto check = entry.extract<Poco::JSON::Object::Ptr>();
         const auto outcome = CheckResult::outcomeOf(check->getValue<std::string>("result"));
         if (!outcome) {
-            throw std::runtime_error("there is no such result");
+            throw std::out_of_range("result");
         }
         results.push_back({check->getValue<std::string>("id"), check->getValue<std::string>("description"), *outcome,
                            check->getValue<std::string>("remark")});
