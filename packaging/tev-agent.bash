@@ -40,7 +40,7 @@ _tev_agent() {
                 ;;
             --node=* | --models=* | --objects=*) node+=("${words[i]}") ;;
             --component | --config | --log-file | --log-level | --output | --jobs | --password-file | --filter | --only | \
-                --class | --parent)
+                --class | --parent | --attribute | --time-limit)
                 option=${words[i]}
                 ((++i < last)) && option=
                 ;;
@@ -67,7 +67,7 @@ _tev_agent() {
         case $command in
             list) _tev_agent_offer "$current" --filter ;;
             export) _tev_agent_offer "$current" --all --jobs --password-stdin --password-file ;;
-            check) _tev_agent_offer "$current" --in-process --only --class --parent ;;
+            check) _tev_agent_offer "$current" --in-process --only --class --parent --attribute --time-limit ;;
         esac
     elif [ -z "$command" ]; then
         _tev_agent_offer "$current" list get export check shell

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "ComponentCheck.h"
 #include "Failure.h"
 #include "LoggingWrapper.h"
 #include "RouteTable.h"
@@ -41,6 +42,14 @@ const CLI::Validator aLevel(
 const CLI::Validator anOutput(
     [](const std::string& text) {
         return text == table || text == json ? "" : "\"" + text + "\" is neither table nor json";
+    },
+    "");
+
+const CLI::Validator aCheckItem(
+    [](const std::string& text) {
+        return ComponentCheck::hasItem(text)
+                   ? ""
+                   : "there is no item " + text + "; the items are " + ComponentCheck::itemIds();
     },
     "");
 
@@ -103,6 +112,32 @@ void addExport(CLI::App& app, Settings& settings) {
         ->excludes(fromInput);
 }
 
+void addCheck(CLI::App& app, Settings& settings) {
+    CLI::App* const added =
+        addCommand(app, settings, "check", Settings::Command::Check, "Tries a component against its contract");
+    added->add_option("FILE.so", settings.checkedLibrary, "The component; the one that is loaded when absent")
+        ->check(notEmpty);
+    added->add_option("--class", settings.checkedClass, "The class to list and read; the routed one when absent")
+        ->type_name("CLASS")
+        ->check(notEmpty);
+    added->add_option("--parent", settings.checkedParent, "What its instances stand under; absent for the route's")
+        ->type_name("DN")
+        ->check(notEmpty);
+    added->add_option("--attribute", settings.attributes, "What to read of them; those of Schema are known; repeatable")
+        ->type_name("NAME")
+        ->check(notEmpty)
+        ->allow_extra_args(false);
+    added->add_option("--only", settings.onlyItems, "The item, or group of items, to try; repeatable")
+        ->type_name("ID")
+        ->check(aCheckItem)
+        ->allow_extra_args(false);
+    added->add_flag("--in-process", settings.isInProcess, "Try every item in this process, for a debugger");
+    added->add_option("--time-limit", settings.timeLimit, "How long an item may take, in seconds; the default is 10")
+        ->type_name("N")
+        ->check(notEmpty)
+        ->check(CLI::Range(1, 3600).description(""));
+}
+
 /// What only the program is asked for.
 void addShell(CLI::App& app, Settings& settings) {
     addCommand(app, settings, "shell", Settings::Command::Shell,
@@ -129,10 +164,7 @@ void addCommands(CLI::App& app, Settings& settings) {
                     "What to show; all attributes when absent, which goes for Schema instances only")
         ->check(notEmpty);
     addExport(app, settings);
-    CLI::App* const check =
-        addCommand(app, settings, "check", Settings::Command::Check, "Tries a component against its contract");
-    check->add_option("FILE.so", settings.checkedLibrary, "The component; the one that is loaded when absent")
-        ->check(notEmpty);
+    addCheck(app, settings);
 }
 
 /// Files of the node stand in where none is named.

@@ -7,11 +7,13 @@
 #include <map>
 #include <set>
 #include <system_error>
+#include <thread>
 
 #include "ComponentCheck.h"
 #include "Diagnostics.h"
 #include "Failure.h"
 #include "Interruption.h"
+#include "ItemProcess.h"
 #include "JsonText.h"
 #include "Operation.h"
 #include "Password.h"
@@ -124,10 +126,10 @@ Commands::Commands(const Settings& commandSettings, StandardOutput& resultOutput
     : settings(commandSettings), output(resultOutput) {}
 
 ExitStatus Commands::run() {
-    Agent agent({settings.models, settings.objects, settings.configuration});
     if (settings.command == Settings::Command::Check) {
-        return check(agent);
+        return check();
     }
+    Agent agent({settings.models, settings.objects, settings.configuration});
     initialize(agent, librariesOf(settings));
     agent.start();
     return settings.command == Settings::Command::Shell ? Shell(agent, settings, output).run() : carryOut(agent);
@@ -263,25 +265,67 @@ std::vector<ExportRun::Export> Commands::everyExport(Agent& agent) {
     return wanted;
 }
 
-ExitStatus Commands::check(Agent& agent) {
+CheckSubject Commands::checkSubject() const {
+    // The one to check comes last; the others are there for what it depends on.
     std::vector<std::string> libraries = settings.components;
     libraries.push_back(settings.checkedLibrary);
     if (settings.checkedLibrary.empty()) {
         libraries = librariesOf(settings);
     }
-    // The one to check comes last; the others are there for what it depends on.
     const std::string checked = libraries.back();
     libraries.pop_back();
-    initialize(agent, libraries);
-    std::vector<CheckResult> results;
+    return {checked,
+            libraries,
+            settings.configuration,
+            settings.objects,
+            settings.checkedClass,
+            settings.checkedParent,
+            settings.attributes};
+}
+
+std::vector<std::string> Commands::checkArguments(const CheckSubject& subject) const {
+    std::vector<std::string> words = {"--output", "json"};
+    const auto add = [&words](const char* option, const std::string& value) {
+        if (!value.empty()) {
+            words.insert(words.end(), {option, value});
+        }
+    };
+    for (const std::string& library : subject.others) {
+        add("--component", library);
+    }
+    add("--config", subject.configuration);
+    add("--objects", subject.objects);
+    add("--log-level", settings.logLevel ? std::to_string(*settings.logLevel) : "");
+    add("--log-file", settings.logFile);
+    words.insert(words.end(), {"check", "--in-process"});
+    add("--class", subject.className);
+    add("--parent", subject.parent);
+    for (const std::string& attribute : subject.attributes) {
+        add("--attribute", attribute);
+    }
+    words.push_back(subject.library);
+    return words;
+}
+
+ExitStatus Commands::check() {
+    const CheckSubject subject = checkSubject();
+    const std::vector<CheckItem> items = ComponentCheck::itemsNamed(settings.onlyItems);
     const bool isTable = settings.output == Settings::Output::Table;
-    const bool isPassed = ComponentCheck(agent, checked).run([&](const CheckResult& result) {
-        results.push_back(result);
-        // A line at once: should the component bring the process down, the lines show where.
+    const auto tell = [&](const CheckResult& result) {
         output.write(isTable ? TableText::of(result, output.screen()) : "");
-    });
-    output.write(isTable ? "" : JsonText::of(results));
-    return isPassed ? ExitStatus::Done : ExitStatus::OperationFailed;
+    };
+    std::vector<CheckResult> results;
+    if (settings.isInProcess) {
+        results = ComponentCheck::runHere(items, subject, tell);
+    } else {
+        const ItemProcess process(checkArguments(subject), std::chrono::seconds(settings.timeLimit));
+        const auto attempt = [&process](const CheckItem& item) { return process.attempt(item); };
+        results = ComponentCheck::run(items, std::max(1U, std::thread::hardware_concurrency()), attempt, tell);
+    }
+    output.write(isTable ? TableText::summaryOf(results) : JsonText::of(results));
+    const bool isBad =
+        std::any_of(results.begin(), results.end(), [](const CheckResult& result) { return result.isBad(); });
+    return isBad ? ExitStatus::OperationFailed : ExitStatus::Done;
 }
 
 void Commands::write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Agent.h"
+#include "CheckSubject.h"
 #include "ExitStatus.h"
 #include "ExportRun.h"
 #include "Instance.h"
@@ -33,7 +34,11 @@ private:
     ExportRun::Export namedExport(Agent& agent) const;
     ExitStatus exportEvery(Agent& agent);
     static std::vector<ExportRun::Export> everyExport(Agent& agent);
-    ExitStatus check(Agent& agent);
+    ExitStatus check();
+    CheckSubject checkSubject() const;
+
+    /// The arguments of a check of `subject` in the process that writes JSON.
+    std::vector<std::string> checkArguments(const CheckSubject& subject) const;
     void write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances);
 
     const Settings& settings;

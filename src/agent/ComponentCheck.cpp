@@ -1,91 +1,163 @@
 #include "ComponentCheck.h"
 
-#include <array>
-#include <utility>
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <future>
+#include <map>
+#include <thread>
 
-#include "Diagnostics.h"
-#include "Failure.h"
-#include "Operation.h"
-#include "SchemaClass.h"
+#include "CheckEnd.h"
+#include "CheckHost.h"
+#include "Interruption.h"
+#include "LifeChecks.h"
+#include "ObjectChecks.h"
+#include "TransactionChecks.h"
 
 namespace TevAgent {
 
 namespace {
 
-std::string countOf(const std::vector<std::string>& keys) {
-    return std::to_string(keys.size()) + (keys.size() == 1 ? " instance" : " instances");
+const std::vector<CheckItem>& allItems() {
+    static const std::vector<CheckItem> items = [] {
+        std::vector<CheckItem> all;
+        for (const std::vector<CheckItem>& some :
+             {LifeChecks::items(), TransactionChecks::items(), ObjectChecks::items(), TransactionChecks::memoryItems(),
+              LifeChecks::lastItems()}) {
+            all.insert(all.end(), some.begin(), some.end());
+        }
+        return all;
+    }();
+    return items;
 }
+
+bool isNamed(const CheckItem& item, const std::string& text) {
+    const std::string id = item.id;
+    return id == text || id.substr(0, id.find('.')) == text;
+}
+
+CheckResult resultOf(const CheckItem& item, CheckResult::Outcome outcome, const std::string& remark) {
+    return {item.id, item.description, outcome, remark};
+}
+
+CheckResult skipped(const CheckItem& item, const CheckItem& gate) {
+    return resultOf(item, CheckResult::Outcome::Skipped, std::string("because ") + gate.id + " did not pass");
+}
+
+CheckResult tryItem(const CheckSubject& subject, const CheckItem& item) {
+    CheckHost host(subject);
+    try {
+        return resultOf(item, CheckResult::Outcome::Passed, item.attempt(host));
+    } catch (const CheckEnd& e) {
+        return resultOf(item, e.outcome, e.remark);
+    }
+}
+
+/// Threads that try the items, and are waited for at the end. What they are given outlives them.
+class Workers {
+public:
+    Workers(const std::vector<CheckItem>& items, std::size_t jobs, const ComponentCheck::Attempt& attempt)
+        : promises(items.size()) {
+        for (std::size_t i = 0; i < std::min(jobs, items.size()); ++i) {
+            threads.emplace_back([this, &items, &attempt] {
+                for (std::size_t index = next++; index < items.size(); index = next++) {
+                    try {
+                        promises[index].set_value(attempt(items[index]));
+                    } catch (...) {
+                        promises[index].set_exception(std::current_exception());
+                    }
+                }
+            });
+        }
+    }
+
+    ~Workers() {
+        next = promises.size();
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+
+    Workers(const Workers&) = delete;
+    Workers& operator=(const Workers&) = delete;
+
+    CheckResult result(std::size_t index) { return promises[index].get_future().get(); }
+
+private:
+    std::vector<std::promise<CheckResult>> promises;
+    std::atomic<std::size_t> next{0};
+    std::vector<std::thread> threads;
+};
 
 }  // namespace
 
-ComponentCheck::ComponentCheck(Agent& hostAgent, std::string libraryPath)
-    : agent(hostAgent), path(std::move(libraryPath)) {}
+bool ComponentCheck::hasItem(const std::string& text) {
+    return !itemsNamed({text}).empty();
+}
 
-bool ComponentCheck::run(const std::function<void(const CheckResult&)>& tell) {
-    struct Item {
-        const char* name;
-        std::string (ComponentCheck::*attempt)();
+std::string ComponentCheck::itemIds() {
+    std::string ids;
+    for (const CheckItem& item : allItems()) {
+        ids += (ids.empty() ? "" : ", ") + std::string(item.id);
+    }
+    return ids;
+}
+
+std::vector<CheckItem> ComponentCheck::itemsNamed(const std::vector<std::string>& only) {
+    std::vector<CheckItem> items;
+    for (const CheckItem& item : allItems()) {
+        if (only.empty() ||
+            std::any_of(only.begin(), only.end(), [&item](const std::string& text) { return isNamed(item, text); })) {
+            items.push_back(item);
+        }
+    }
+    return items;
+}
+
+std::vector<CheckResult> ComponentCheck::run(const std::vector<CheckItem>& items, std::size_t jobs,
+                                             const Attempt& attempt, const Tell& tell) {
+    std::vector<CheckResult> results;
+    const auto add = [&](const CheckResult& result) {
+        results.push_back(result);
+        tell(result);
     };
-    const std::array<Item, 5> items = {{{"loads", &ComponentCheck::load},
-                                        {"tables well-formed", &ComponentCheck::verifyTables},
-                                        {"starts and stops", &ComponentCheck::startAndStop},
-                                        {"lists", &ComponentCheck::list},
-                                        {"reads", &ComponentCheck::read}}};
-    std::string failed;
-    for (const Item& item : items) {
-        if (!failed.empty()) {
-            tell({item.name, false, "not tried, because \"" + failed + "\" failed"});
+    // The gates first, one after the other: what they stop need not be tried.
+    std::map<std::size_t, CheckResult> gates;
+    std::size_t end = items.size();
+    std::vector<CheckItem> others;
+    for (std::size_t i = 0; i < end; ++i) {
+        if (!items[i].isGate) {
+            others.push_back(items[i]);
             continue;
         }
-        try {
-            tell({item.name, true, (this->*item.attempt)()});
-        } catch (const Failure& e) {
-            failed = item.name;
-            tell({item.name, false, e.what()});
+        const CheckResult& result = gates.emplace(i, attempt(items[i])).first->second;
+        end = result.isBad() ? i + 1 : end;
+        if (others.empty()) {
+            add(result);
         }
     }
-    return failed.empty();
-}
-
-std::string ComponentCheck::load() {
-    library = &agent.open(path);
-    return library->path();
-}
-
-std::string ComponentCheck::verifyTables() {
-    component = agent.initialize(*library);
-    return "component " + component;
-}
-
-std::string ComponentCheck::startAndStop() {
-    agent.start();
-    Diagnostics::Capture capture;
-    if (agent.stop() != TevReturnOk) {
-        throw Failure(ExitStatus::OperationFailed, capture.takeOr("component " + component + " did not stop"));
+    Workers workers(others, jobs, attempt);
+    std::size_t nextOther = 0;
+    for (std::size_t i = results.size(); i < items.size(); ++i) {
+        if (i >= end) {
+            add(skipped(items[i], items[end - 1]));
+        } else {
+            add(items[i].isGate ? gates.at(i) : workers.result(nextOther++));
+        }
     }
-    return "";
+    return results;
 }
 
-std::string ComponentCheck::list() {
-    const std::string& owner = SchemaClass::route().component;
-    if (component != owner) {
-        throw Failure(ExitStatus::OperationFailed, std::string("class ") + SchemaClass::name +
-                                                       " belongs to component " + owner + ", not to " + component);
+std::vector<CheckResult> ComponentCheck::runHere(const std::vector<CheckItem>& items, const CheckSubject& subject,
+                                                 const Tell& tell) {
+    const CheckItem* closed = nullptr;
+    std::vector<CheckResult> results;
+    for (const CheckItem& item : items) {
+        results.push_back(closed != nullptr ? skipped(item, *closed) : tryItem(subject, item));
+        closed = item.isGate && results.back().isBad() ? &item : closed;
+        tell(results.back());
     }
-    agent.start();
-    Operation operation(agent);
-    keys = operation.reader().keys(agent.schemaParent(), SchemaClass::name);
-    operation.commit();
-    return countOf(keys);
-}
-
-std::string ComponentCheck::read() {
-    Operation operation(agent);
-    for (const std::string& key : keys) {
-        operation.reader().read(agent.schemaDn(key), SchemaClass::attributes());
-    }
-    operation.commit();
-    return countOf(keys);
+    return results;
 }
 
 }  // namespace TevAgent

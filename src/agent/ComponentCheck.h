@@ -5,35 +5,38 @@
 #include <string>
 #include <vector>
 
-#include "Agent.h"
+#include "CheckItem.h"
 #include "CheckResult.h"
+#include "CheckSubject.h"
 
 namespace TevAgent {
 
-/// Tries a component against the interface contract, item by item. Used by one thread.
+/// Tries a component against the interface contract, item by item, with services of its own. An item behind a gate that
+/// failed is skipped. Used by one thread.
 class ComponentCheck {
 public:
-    /// The component is the one of the library `libraryPath`; whatever it depends on is initialized in `hostAgent`,
-    /// which outlives this object and was not started.
-    ComponentCheck(Agent& hostAgent, std::string libraryPath);
+    /// How an item is tried and comes out; may be called from several threads at a time. May throw `Interrupted`.
+    using Attempt = std::function<CheckResult(const CheckItem& item)>;
+    using Tell = std::function<void(const CheckResult&)>;
 
-    /// Tries every item, in order, and tells each result as soon as it is there; an item is not tried once one has
-    /// failed. To be called once. Returns whether all passed. Throws `Interrupted`.
-    bool run(const std::function<void(const CheckResult&)>& tell);
+    /// Whether `text` is the id of an item, or what the ids of a group have before their ".".
+    static bool hasItem(const std::string& text);
 
-private:
-    // The items: each returns a remark, and throws `Failure` when it fails.
-    std::string load();
-    std::string verifyTables();
-    std::string startAndStop();
-    std::string list();
-    std::string read();
+    /// The ids of all items, for people.
+    static std::string itemIds();
 
-    Agent& agent;
-    const std::string path;
-    ComponentLibrary* library = nullptr;
-    std::string component;
-    std::vector<std::string> keys;
+    /// The items that the entries of `only`, ids and groups, name, in their order; all when it is empty.
+    static std::vector<CheckItem> itemsNamed(const std::vector<std::string>& only);
+
+    /// Tries `items`, so many at a time, and tells each result, in their order, as soon as it can. Throws
+    /// `Interrupted`, and what `attempt` and `tell` throw.
+    static std::vector<CheckResult> run(const std::vector<CheckItem>& items, std::size_t jobs, const Attempt& attempt,
+                                        const Tell& tell);
+
+    /// The same in this process and thread, one after the other: each result is told before the next item is tried.
+    /// Throws `Failure` (not started) when a file that is named beside the component cannot be used.
+    static std::vector<CheckResult> runHere(const std::vector<CheckItem>& items, const CheckSubject& subject,
+                                            const Tell& tell);
 };
 
 }  // namespace TevAgent

@@ -76,14 +76,17 @@ void Interruption::check() {
     }
 }
 
-void Interruption::waitForInput(int descriptor) {
+bool Interruption::waitForInput(int descriptor, std::chrono::steady_clock::time_point end) {
     pollfd input{descriptor, POLLIN, 0};
-    int count = 0;
-    do {
+    while (std::chrono::steady_clock::now() < end) {
         check();
         // In slices: the signal may come just before the wait, or to another thread.
-        count = poll(&input, 1, pollSlice);
-    } while (count == 0 || (count == -1 && errno == EINTR));
+        const int count = poll(&input, 1, pollSlice);
+        if (count != 0 && !(count == -1 && errno == EINTR)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 ssize_t Interruption::readByte(int descriptor, char& byte) {

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <exception>
 
 namespace TevAgent {
@@ -35,9 +36,10 @@ public:
     /// Throws `Interrupted` once a signal was noted. Called between the steps of a command; any thread.
     static void check();
 
-    /// Returns once `descriptor` can be read, or is at its end; throws `Interrupted` as soon as a signal is noted. Any
-    /// thread.
-    static void waitForInput(int descriptor);
+    /// Returns true once `descriptor` can be read, or is at its end, and false when that is not so at `end`, by default
+    /// never; throws `Interrupted` as soon as a signal is noted. Any thread.
+    static bool waitForInput(int descriptor,
+                             std::chrono::steady_clock::time_point end = std::chrono::steady_clock::time_point::max());
 
     /// Waits for the next byte of `descriptor` and takes it, and nothing behind it. Returns 1; 0 at the end; -1, with
     /// `errno`, when it cannot be read. Throws as `waitForInput`; any thread.

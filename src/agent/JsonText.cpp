@@ -2,8 +2,10 @@
 
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
+#include <Poco/JSON/Parser.h>
 
 #include <sstream>
+#include <stdexcept>
 
 #include "SchemaClass.h"
 #include "Utf8.h"
@@ -77,12 +79,28 @@ std::string JsonText::of(const std::vector<CheckResult>& results) {
     Document document("checks");
     for (const CheckResult& result : results) {
         Poco::JSON::Object check(options);
-        check.set("item", result.item);
-        check.set("passed", result.isPassed);
+        check.set("id", result.id);
+        check.set("description", result.description);
+        check.set("result", CheckResult::word(result.outcome));
         check.set("remark", Utf8::repaired(result.remark));
         document.add(check);
     }
     return document.end();
+}
+
+std::vector<CheckResult> JsonText::checkResults(const std::string& text) {
+    const auto document = Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
+    std::vector<CheckResult> results;
+    for (const Poco::Dynamic::Var& entry : *document->getArray("checks")) {
+        const auto check = entry.extract<Poco::JSON::Object::Ptr>();
+        const auto outcome = CheckResult::outcomeOf(check->getValue<std::string>("result"));
+        if (!outcome) {
+            throw std::out_of_range("result");
+        }
+        results.push_back({check->getValue<std::string>("id"), check->getValue<std::string>("description"), *outcome,
+                           check->getValue<std::string>("remark")});
+    }
+    return results;
 }
 
 std::string JsonText::of(const std::vector<ExportResult>& results) {

@@ -19,8 +19,12 @@ public:
     /// Should an attribute that is no list hold several values all the same, it is an array too.
     static std::string of(const std::vector<Instance>& instances);
 
-    /// An object with one array, "checks", that holds an object for each result: "item", "passed" and "remark".
+    /// An object with one array, "checks", that holds an object for each result: "id", "description", "result" and
+    /// "remark".
     static std::string of(const std::vector<CheckResult>& results);
+
+    /// The results that such a text holds. Throws std::exception when it is none.
+    static std::vector<CheckResult> checkResults(const std::string& text);
 
     /// An object with one array, "exports", that holds an object for each result: "model", "exported" and "message".
     static std::string of(const std::vector<ExportResult>& results);

@@ -58,15 +58,19 @@ std::optional<std::string> firstBelow(const ManagedObject& object, const std::st
 
 ObjectStore ObjectStore::load(const std::string& path, const std::vector<Route>& knownRoutes) {
     try {
-        ObjectsFile file(knownRoutes);
-        file.take(contents(path));
-        ObjectStore store;
-        store.root = std::move(file.root);
-        store.routeList = std::move(file.routes);
-        return store;
+        return of(contents(path), knownRoutes);
     } catch (const FileError& error) {
         throw Tev::TevException("%s", Problem{path, error.line(), error.what()}.text().c_str());
     }
+}
+
+ObjectStore ObjectStore::of(std::string_view xml, const std::vector<Route>& knownRoutes) {
+    ObjectsFile file(knownRoutes);
+    file.take(xml);
+    ObjectStore store;
+    store.root = std::move(file.root);
+    store.routeList = std::move(file.routes);
+    return store;
 }
 
 bool ObjectStore::exists(const std::string& dn) const {

@@ -27,6 +27,9 @@ public:
     /// included.
     static ObjectStore load(const std::string& path, const std::vector<Route>& knownRoutes = {});
 
+    /// The same for the text of such a file. Throws `FileError`.
+    static ObjectStore of(std::string_view xml, const std::vector<Route>& knownRoutes = {});
+
     /// Whether there is an object `dn`. The empty DN of the root names no object.
     bool exists(const std::string& dn) const;
 

@@ -121,8 +121,12 @@ std::vector<std::shared_ptr<Component>> PortalService::registered() const {
     return components;
 }
 
+std::vector<std::shared_ptr<Component>> PortalService::startOrder() const {
+    return StartOrder::of(offeredByAgent(), registered());
+}
+
 void PortalService::start() {
-    for (const std::shared_ptr<Component>& component : StartOrder::of(offeredByAgent(), registered())) {
+    for (const std::shared_ptr<Component>& component : startOrder()) {
         {
             const Tev::AnnotatedLock lock(mutex);
             toldToStart.push_back(component);

@@ -44,6 +44,9 @@ public:
     /// The registered components, in the order of their registration.
     std::vector<std::shared_ptr<Component>> registered() const;
 
+    /// What is registered, in the order of dependencies. Throws `Failure` (not started) when they cannot be met.
+    std::vector<std::shared_ptr<Component>> startOrder() const;
+
     /// Starts what is registered, in the order of dependencies. Throws `Failure` (not started) at the first component
     /// that does not start, or when the dependencies cannot be met; what was told to start then waits for `stop`.
     void start();

@@ -29,9 +29,16 @@ struct Settings {
     Command command = Command::List;
     std::string filter;                   ///< of list: a shell pattern for the schema ids
     std::string target;                   ///< of get and export: a DN or a schema id
-    std::vector<std::string> attributes;  ///< of get
-    std::string checkedLibrary;           ///< of check
+    std::vector<std::string> attributes;  ///< of get, and of check
     std::vector<std::string> arguments;   ///< of a line of the shell: what the program is given for the same
+
+    // Of check.
+    std::string checkedLibrary;
+    std::string checkedClass;
+    std::string checkedParent;           ///< DN
+    std::vector<std::string> onlyItems;  ///< ids, or groups of them
+    bool isInProcess = false;
+    unsigned int timeLimit = 10;  ///< of each item, in seconds
 
     // Of export.
     std::string uri;                   ///< as given; for every model it ends in "/"

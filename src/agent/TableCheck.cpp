@@ -110,7 +110,30 @@ std::string faultOfOffer(const std::string& who, std::string_view componentName,
     return "";
 }
 
-std::string faultOfOffers(const std::string& who, const DalMgmtSpiComponent_2& component) {
+std::string nameOf(const DalMgmtSpiComponent_2& component) {
+    return std::string("component ") + component.base.componentName;
+}
+
+}  // namespace
+
+std::string TableCheck::faultOf(const DalMgmtSpiComponent_2* component) {
+    std::string fault = faultOfComponent(component);
+    if (fault.empty()) {
+        fault = faultOfOffers(*component);
+    }
+    return fault.empty() ? faultOfDependencies(*component) : fault;
+}
+
+std::string TableCheck::faultOfComponent(const DalMgmtSpiComponent_2* component) {
+    if (component == nullptr) {
+        return "a null component table was registered";
+    }
+    const std::string fault = faultOfDescriptor(component->base);
+    return fault.empty() ? faultOfSlots(nameOf(*component), *component) : fault;
+}
+
+std::string TableCheck::faultOfOffers(const DalMgmtSpiComponent_2& component) {
+    const std::string who = nameOf(component);
     bool hasObjects = false;
     bool hasResource = false;
     for (DalMgmtSpiInterface_1** entry = component.interfaceArray; *entry != nullptr; ++entry) {
@@ -124,30 +147,13 @@ std::string faultOfOffers(const std::string& who, const DalMgmtSpiComponent_2& c
     return hasObjects && !hasResource ? who + " offers managed objects but no DalOamSpiTransactionalResource" : "";
 }
 
-std::string faultOfDependencies(const std::string& who, const DalMgmtSpiComponent_2& component) {
+std::string TableCheck::faultOfDependencies(const DalMgmtSpiComponent_2& component) {
     for (DalMgmtSpiInterface_1** entry = component.dependencyArray; *entry != nullptr; ++entry) {
         if (!isComplete(**entry)) {
-            return who + " has a dependency without a component name, interface name or version";
+            return nameOf(component) + " has a dependency without a component name, interface name or version";
         }
     }
     return "";
-}
-
-}  // namespace
-
-std::string TableCheck::faultOf(const DalMgmtSpiComponent_2* component) {
-    if (component == nullptr) {
-        return "a null component table was registered";
-    }
-    std::string fault = faultOfDescriptor(component->base);
-    const std::string who = fault.empty() ? std::string("component ") + component->base.componentName : "";
-    if (fault.empty()) {
-        fault = faultOfSlots(who, *component);
-    }
-    if (fault.empty()) {
-        fault = faultOfOffers(who, *component);
-    }
-    return fault.empty() ? faultOfDependencies(who, *component) : fault;
 }
 
 std::string TableCheck::faultOf(const DalOamSpiTransactionalResource_2* participant) {

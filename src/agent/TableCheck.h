@@ -16,6 +16,12 @@ public:
     /// text. Null is accepted.
     static std::string faultOf(const DalMgmtSpiComponent_2* component);
 
+    /// The parts of it, each for a component that the ones before it find nothing wrong with: the component's own
+    /// table, the tables that it offers, its dependencies.
+    static std::string faultOfComponent(const DalMgmtSpiComponent_2* component);
+    static std::string faultOfOffers(const DalMgmtSpiComponent_2& component);
+    static std::string faultOfDependencies(const DalMgmtSpiComponent_2& component);
+
     /// The same for a participant of a transaction.
     static std::string faultOf(const DalOamSpiTransactionalResource_2* participant);
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 
 #include "AlignedTable.h"
 #include "Text.h"
@@ -46,7 +47,27 @@ std::string TableText::of(const std::vector<std::string>& attributeNames, const 
 }
 
 std::string TableText::of(const CheckResult& result, const Screen& screen) {
-    return outcomeOf(result.item, result.isPassed, result.isPassed ? "passed" : "failed", result.remark, screen);
+    // Lines are written as the results come, so the widths are known by heart.
+    constexpr std::size_t idWidth = 33;
+    constexpr std::size_t wordWidth = 9;
+    const std::string word = CheckResult::word(result.outcome);
+    const bool isPlain = result.outcome != CheckResult::Outcome::Passed && !result.isBad();
+    const Screen::Emphasis emphasis = result.isBad() ? Screen::Emphasis::Bad : Screen::Emphasis::Good;
+    return (isPlain ? word : screen.emphasised(emphasis, word)) + std::string(wordWidth - word.size(), ' ') +
+           result.id + std::string(idWidth - std::min(idWidth, result.id.size()), ' ') + result.description +
+           (result.remark.empty() ? "" : ": " + cell(result.remark)) + "\n";
+}
+
+std::string TableText::summaryOf(const std::vector<CheckResult>& results) {
+    std::map<CheckResult::Outcome, std::size_t> counts;
+    for (const CheckResult& result : results) {
+        ++counts[result.outcome];
+    }
+    std::string summary;
+    for (const auto& [outcome, count] : counts) {
+        summary += (summary.empty() ? "" : ", ") + std::to_string(count) + " " + CheckResult::word(outcome);
+    }
+    return summary + "\n";
 }
 
 std::string TableText::of(const ExportResult& result, const Screen& screen) {

@@ -20,11 +20,15 @@ public:
     static std::string of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances,
                           const Screen& screen = {});
 
-    /// A line: "<item>: passed" or "<item>: failed", with the remark after another colon. The word has a colour on a
-    /// screen that has any.
+    /// A line: the result, the id and the description, in columns, then the remark after a colon. The
+    /// word for the result has a colour on a screen that has any, for one that is good or bad.
     static std::string of(const CheckResult& result, const Screen& screen = {});
 
-    /// A line: "<model>: exported" or "<model>: failed", with the message after another colon. The word as above.
+    /// The last line of a check: how many results there are of each kind.
+    static std::string summaryOf(const std::vector<CheckResult>& results);
+
+    /// A line: "<model>: exported" or "<model>: failed", with the message after another colon. The word as
+    /// above.
     static std::string of(const ExportResult& result, const Screen& screen = {});
 };
 

@@ -71,6 +71,13 @@ TevReturnT TransactionService::join(unsigned long txHandle, Resource& resource) 
     return code;
 }
 
+bool TransactionService::isParticipant(unsigned long txHandle, const Resource& resource) const {
+    const Tev::AnnotatedLock lock(mutex);
+    const auto found = open.find(txHandle);
+    return found != open.end() &&
+           std::count(found->second.participants.begin(), found->second.participants.end(), &resource) != 0;
+}
+
 TevReturnT TransactionService::commit(unsigned long txHandle) {
     if (!isOpen(txHandle)) {
         return TevReturnNotFound;

@@ -137,6 +137,25 @@ TEST(CommandLineTest, checkTakesALibrary) {
     EXPECT_EQ(settings.checkedLibrary, "x.so");
 }
 
+TEST(CommandLineTest, checkTakesWhatToListAndReadAndWhichItemsToTry) {
+    const Settings usual = parse({"check", "x.so"});
+    EXPECT_FALSE(usual.isInProcess);
+    EXPECT_EQ(usual.timeLimit, 10U);
+    const Settings settings =
+        parse({"check", "--class", "C", "--parent", "P=1", "--attribute", "a", "--attribute", "b", "--only", "load",
+               "--only", "lifecycle.start", "--in-process", "--time-limit", "3", "x.so"});
+    EXPECT_EQ(settings.checkedLibrary, "x.so");
+    EXPECT_EQ(settings.checkedClass, "C");
+    EXPECT_EQ(settings.checkedParent, "P=1");
+    EXPECT_THAT(settings.attributes, ElementsAre("a", "b"));
+    EXPECT_THAT(settings.onlyItems, ElementsAre("load", "lifecycle.start"));
+    EXPECT_TRUE(settings.isInProcess);
+    EXPECT_EQ(settings.timeLimit, 3U);
+    for (const char* limit : {"0", "-1", "3601", "x", ""}) {
+        EXPECT_THAT(refusal({"check", "x.so", "--time-limit", limit}), StartsWith("--time-limit: ")) << limit;
+    }
+}
+
 TEST(CommandLineTest, exportTakesAModelAndWhereItGoes) {
     const Settings settings = parse({"--models", "m", "export", "Transport", "sftp://u@h/p/%3F%23"});
     EXPECT_EQ(settings.command, Settings::Command::Export);

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include <algorithm>
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -213,13 +212,6 @@ TEST_F(HostileComponentTest, callsExitWhileItIsStoppedOnceTheResultsAreOut) {
     EXPECT_EQ(outcome.err, "tev-agent: component TevSchemaMoService called exit in stop\n");
 }
 
-TEST_F(HostileComponentTest, checkShowsWhichItemPassedBeforeAComponentCallsExit) {
-    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "check", library("exits_from_start")});
-    EXPECT_EQ(outcome.status, 3);
-    EXPECT_THAT(outcome.out, testing::EndsWith("tables well-formed: passed: component TevSchemaMoService\n"));
-    EXPECT_THAT(outcome.err, HasSubstr("tev-agent: component TevSchemaMoService called exit in start\n"));
-}
-
 TEST_F(HostileComponentTest, closesTheDescriptorOfTheResults) {
     const AgentOutcome outcome = run("closes_descriptors", {"get", "one", "schemaId"});
     EXPECT_EQ(outcome.status, 1);
@@ -332,63 +324,6 @@ TEST_F(HostileComponentTest, aHangUpCountsOnceHoweverOftenItComes) {
     EXPECT_FALSE(agent.hasEnded());
     agent.send(SIGINT);
     EXPECT_EQ(agent.outcome().signal, SIGINT);
-}
-
-TEST_F(HostileComponentTest, checkNamesTheItemThatFailsAndDoesNotTryTheOthers) {
-    struct Case {
-        const char* fault;
-        const char* item;
-        std::string reason;
-        const char* next;
-    };
-    const std::string component = "component TevSchemaMoService ";
-    const std::string listing = "cannot list the Schema instances under ManagedElement=1,SystemFunctions=1,SysM=7: ";
-    const std::string unusable = "cannot use component library ";
-    for (const Case& one : {
-             Case{"no_init", "loads", unusable + library("no_init") + ": undefined symbol: dalLCMinit",
-                  "tables well-formed"},
-             Case{"null_array", "tables well-formed",
-                  unusable + library("null_array") + ": " + component +
-                      "has no interface array in its DalMgmtSpiComponent table",
-                  "starts and stops"},
-             Case{"registers_nothing", "tables well-formed",
-                  unusable + library("registers_nothing") + ": it registered no component", "starts and stops"},
-             Case{"start_throws", "starts and stops", component + "threw in start: out of order", "lists"},
-             Case{"stop_throws", "starts and stops", component + "threw in stop: will not", "lists"},
-             Case{"unmet_dependency", "starts and stops",
-                  component +
-                      "depends on NobodysService/Nothing version 4, which nobody offers; --component loads what does",
-                  "lists"},
-             Case{"listing_throws_int", "lists", listing + component + "threw in nextMo: an exception of type int",
-                  "reads"},
-             Case{"votes_no", "lists", "the transaction failed: " + component + "finds the transaction invalid",
-                  "reads"},
-         }) {
-        const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "check", library(one.fault)});
-        EXPECT_EQ(outcome.status, 1) << one.fault;
-        EXPECT_THAT(outcome.out, HasSubstr(std::string(one.item) + ": failed: " + one.reason + "\n")) << one.fault;
-        EXPECT_THAT(outcome.out,
-                    HasSubstr(std::string(one.next) + ": failed: not tried, because \"" + one.item + "\" failed\n"))
-            << one.fault;
-        EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 5) << one.fault;
-        EXPECT_EQ(outcome.err, "") << one.fault;
-    }
-}
-
-TEST_F(HostileComponentTest, checkNamesTheInstanceThatCannotBeRead) {
-    const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "check", library("read_throws_int")});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.out,
-                HasSubstr("lists: passed: 2 instances\nreads: failed: cannot read attribute version of " +
-                          TestNode::schemaDn("one") +
-                          ": component TevSchemaMoService threw in getMoAttribute: an exception of type int\n"));
-}
-
-TEST_F(HostileComponentTest, checkRefusesAComponentThatDoesNotOwnTheClass) {
-    const AgentOutcome outcome = AgentProcess::run({"check", library("looks_up_late")});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.out, HasSubstr("starts and stops: passed\nlists: failed: class Schema belongs to component "
-                                       "TevSchemaMoService, not to EarlyService\n"));
 }
 
 }  // namespace

@@ -79,14 +79,39 @@ TEST(JsonTextTest, putsEachInstanceOnALineOfItsOwn) {
 }
 
 TEST(JsonTextTest, showsCheckResults) {
-    const auto checks = parsed(JsonText::of(std::vector<CheckResult>{{"loads", true, ""}, {"reads", false, "why"}}))
+    using Outcome = CheckResult::Outcome;
+    const auto checks = parsed(JsonText::of(std::vector<CheckResult>{{"a.b", "It is", Outcome::Passed, ""},
+                                                                     {"a.c", "It does", Outcome::Crashed, "why"}}))
                             ->getArray("checks");
     ASSERT_EQ(checks->size(), 2U);
-    EXPECT_THAT(checks->getObject(0)->getNames(), ElementsAre("item", "passed", "remark"));
-    EXPECT_EQ(checks->getObject(0)->getValue<std::string>("item"), "loads");
-    EXPECT_TRUE(checks->getObject(0)->getValue<bool>("passed"));
-    EXPECT_FALSE(checks->getObject(1)->getValue<bool>("passed"));
+    EXPECT_THAT(checks->getObject(0)->getNames(), ElementsAre("id", "description", "result", "remark"));
+    EXPECT_EQ(checks->getObject(0)->getValue<std::string>("id"), "a.b");
+    EXPECT_EQ(checks->getObject(0)->getValue<std::string>("description"), "It is");
+    EXPECT_EQ(checks->getObject(0)->getValue<std::string>("result"), "passed");
+    EXPECT_EQ(checks->getObject(1)->getValue<std::string>("result"), "crashed");
     EXPECT_EQ(checks->getObject(1)->getValue<std::string>("remark"), "why");
+}
+
+TEST(JsonTextTest, readsCheckResultsBack) {
+    using Outcome = CheckResult::Outcome;
+    for (const Outcome outcome :
+         {Outcome::Passed, Outcome::Failed, Outcome::Skipped, Outcome::Warning, Outcome::Crashed}) {
+        const std::vector<CheckResult> results =
+            JsonText::checkResults(JsonText::of(std::vector<CheckResult>{{"a.b", "It \"is\"", outcome, "\xc3\xa9"}}));
+        ASSERT_EQ(results.size(), 1U);
+        EXPECT_EQ(results[0].id, "a.b");
+        EXPECT_EQ(results[0].description, "It \"is\"");
+        EXPECT_EQ(results[0].outcome, outcome);
+        EXPECT_EQ(results[0].remark, "\xc3\xa9");
+    }
+}
+
+TEST(JsonTextTest, takesNothingElseForCheckResults) {
+    for (const char* text :
+         {"", "{}", "[]", "{\"checks\":[1]}", "{\"checks\":[{\"id\":\"a.b\"}]}",
+          "{\"checks\":[{\"id\":\"a\",\"description\":\"b\",\"result\":\"fine\",\"remark\":\"\"}]}"}) {
+        EXPECT_THROW(JsonText::checkResults(text), std::exception) << text;
+    }
 }
 
 }  // namespace

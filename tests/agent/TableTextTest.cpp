@@ -67,8 +67,8 @@ TEST(TableTextTest, aScreenWithColoursObeysNothingButThem) {
     const Screen screen{0, true};
     EXPECT_EQ(TableText::of({"a\x1b[2J"}, {{"", {{"a", {"x\x1b[2J"}}}}}, screen),
               "\x1b[1ma\\x1b[2J\x1b[0m\nx\\x1b[2J\n");
-    EXPECT_EQ(TableText::of(CheckResult{"a\x1b[2J", true, "\x1b[2J"}, screen),
-              "a\\x1b[2J: \x1b[32mpassed\x1b[0m: \\x1b[2J\n");
+    EXPECT_EQ(TableText::of(CheckResult{"a.b", "It is", CheckResult::Outcome::Passed, "\x1b[2J"}, screen),
+              "\x1b[32mpassed\x1b[0m   a.b                              It is: \\x1b[2J\n");
     EXPECT_EQ(TableText::of(ExportResult{"a\x1b[2J", false, "\x1b[2J"}, screen),
               "a\\x1b[2J: \x1b[31mfailed\x1b[0m: \\x1b[2J\n");
 }
@@ -80,9 +80,18 @@ TEST(TableTextTest, writesAnExportResultOnOneLine) {
 }
 
 TEST(TableTextTest, writesACheckResultOnOneLine) {
-    EXPECT_EQ(TableText::of(CheckResult{"loads", true, ""}), "loads: passed\n");
-    EXPECT_EQ(TableText::of(CheckResult{"loads", true, "well"}), "loads: passed: well\n");
-    EXPECT_EQ(TableText::of(CheckResult{"loads", false, "no\nfile"}), "loads: failed: no\\nfile\n");
+    using Outcome = CheckResult::Outcome;
+    EXPECT_EQ(TableText::of(CheckResult{"a.b", "It is", Outcome::Passed, ""}),
+              "passed   a.b                              It is\n");
+    EXPECT_EQ(TableText::of(CheckResult{"a.b", "It is", Outcome::Warning, "no\nfile"}),
+              "warning  a.b                              It is: no\\nfile\n");
+}
+
+TEST(TableTextTest, countsTheCheckResultsOfEachKind) {
+    using Outcome = CheckResult::Outcome;
+    EXPECT_EQ(TableText::summaryOf(
+                  {{"", "", Outcome::Crashed, ""}, {"", "", Outcome::Passed, ""}, {"", "", Outcome::Passed, ""}}),
+              "2 passed, 1 crashed\n");
 }
 
 }  // namespace

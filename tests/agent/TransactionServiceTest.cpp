@@ -37,6 +37,17 @@ TEST_F(TransactionServiceTest, handlesBeginAtOneAndAreNeverUsedAgain) {
     EXPECT_EQ(service.begin(), 4U);
 }
 
+TEST_F(TransactionServiceTest, knowsWhoTakesPart) {
+    const unsigned long handle = service.begin();
+    EXPECT_FALSE(service.isParticipant(handle, a.resource));
+    EXPECT_EQ(service.registerParticipant(handle, &a.resource), 0);
+    EXPECT_TRUE(service.isParticipant(handle, a.resource));
+    EXPECT_FALSE(service.isParticipant(handle, b.resource));
+    EXPECT_FALSE(service.isParticipant(handle + 1, a.resource));
+    EXPECT_EQ(service.commit(handle), 0);
+    EXPECT_FALSE(service.isParticipant(handle, a.resource));
+}
+
 TEST_F(TransactionServiceTest, committingValidatesPreparesCommitsAndFinishesEveryone) {
     EXPECT_EQ(service.commit(beginWithBoth()), 0);
     EXPECT_THAT(calls, ElementsAre("A.validate 1", "B.validate 1", "A.prepare 1", "B.prepare 1", "A.commit 1",

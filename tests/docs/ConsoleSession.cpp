@@ -157,6 +157,8 @@ ConsoleSession::ConsoleSession() {
     for (const std::string name : {"bin", "lib"}) {
         fs::create_symlink(fs::path(TEV_BUILD) / name, world.path() / "build/release" / name);
     }
+    // What one page tells how to build.
+    fs::create_symlink(TEV_EXAMPLE_COMPONENT, world.path() / "build/uptime.so");
     fs::create_directory(notes.path() / "home");
 }
 

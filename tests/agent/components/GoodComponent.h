@@ -1,7 +1,14 @@
 #ifndef GOOD_COMPONENT_H
 #define GOOD_COMPONENT_H
 
+#include <cstdint>
 #include <cstring>
+#include <deque>
+#include <iterator>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
 
 #include "DalMgmtSpiComponent.h"
 #include "DalOamSpiManagedObject.h"
@@ -13,14 +20,8 @@
 class GoodComponent {
 public:
     explicit GoodComponent(const char* name = "TevSchemaMoService") {
-        component = {{name, "DalMgmtSpiComponent", "2"},
-                     offers,
-                     dependencies,
-                     [](DalStateChangeReason) { return TevReturnT{TevReturnOk}; },
-                     [](DalStateChangeReason) { return TevReturnT{TevReturnOk}; },
-                     extras,
-                     false};
-        resource = {{name, "DalOamSpiTransactionalResource", "2"}, join, done, done, done, done, validate};
+        component = {{name, "DalMgmtSpiComponent", "2"}, offers, dependencies, start, stop, extras, false};
+        resource = {{name, "DalOamSpiTransactionalResource", "2"}, join, done, done, done, finish, validate};
         objects = {
             {name, "DalOamSpiManagedObject", "1"},
             [](unsigned long, const char*, const char*, DalMoAttributeValueContainer*) { return refused; },
@@ -36,7 +37,7 @@ public:
     TevReturnT registerWith(DalPortalAccessor* accessor) {
         current = this;
         portal = static_cast<DalPortal_3*>(accessor->getPortal("3"));
-        return portal->registerComponent(&component);
+        return portal == nullptr ? refused : portal->registerComponent(&component);
     }
 
     void unregister() { portal->unregisterComponent(&component); }
@@ -51,51 +52,144 @@ public:
     static constexpr TevReturnT refused = TevReturnFailure;
     inline static GoodComponent* current = nullptr;
 
+    DalMgmtSpiInterface_1 portalInterface = {"DalPortalService", "DalPortal", "3"};
     DalMgmtSpiComponent_2 component{};
     DalOamSpiTransactionalResource_2 resource{};
     DalOamSpiManagedObject_1 objects{};
     DalMgmtSpiInterface_1* offers[4] = {&resource.base, &objects.base, nullptr, nullptr};
-    DalMgmtSpiInterface_1* dependencies[2] = {nullptr, nullptr};
-    DalMgmtSpiInterface_1* extras[1] = {nullptr};
+    DalMgmtSpiInterface_1* dependencies[3] = {&portalInterface, nullptr, nullptr};
+    DalMgmtSpiInterface_1* extras[2] = {nullptr, nullptr};
+    std::vector<std::string> keys = {"one", "two"};
+    bool isStarted = false;
 
-private:
+    /// What is handed out in a transaction.
+    struct Memory {
+        std::deque<std::string> texts;
+        std::deque<DalMoAttributeValue> values;
+        std::deque<DalMoAttributeValueContainer> containers;
+    };
+
+    struct Iterator {
+        unsigned long txHandle = 0;
+        std::size_t next = 0;
+    };
+
+    std::mutex mutex;
+    std::map<unsigned long, Memory> memories;
+    std::map<void*, Iterator> iterators;
+    std::uintptr_t lastIterator = 0;
+
+    /// A copy that lives as long as the transaction; the mutex is locked.
+    char* copy(unsigned long txHandle, const std::string& text) {
+        return memories[txHandle].texts.emplace_back(text).data();
+    }
+
+    bool hasInstance(const char* dn) const {
+        const char* const key = std::strrchr(dn, '=') + 1;
+        for (const std::string& known : keys) {
+            if (known == key) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    static bool isSchemaDn(const char* dn) { return std::strstr(dn, ",Schema=") != nullptr; }
+
+    static bool hasAttribute(const char* name) {
+        for (const char* const known :
+             {"schemaId", "identifier", "baseModelIdentifier", "version", "baseModelVersion", "selectedModelOptions"}) {
+            if (std::strcmp(name, known) == 0) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    static TevReturnT start(DalStateChangeReason) {
+        current->isStarted = true;
+        return TevReturnOk;
+    }
+
+    static TevReturnT stop(DalStateChangeReason) {
+        current->isStarted = false;
+        return TevReturnOk;
+    }
+
     static TevReturnT join(unsigned long txHandle) {
-        return current->find<DalOamSpiTransaction_2>("DalOamSpiTransactionService", "DalOamSpiTransaction", "2")
-            ->registerParticipant(txHandle, &current->resource);
+        auto* const service =
+            current->find<DalOamSpiTransaction_2>("DalOamSpiTransactionService", "DalOamSpiTransaction", "2");
+        return current->isStarted ? service->registerParticipant(txHandle, &current->resource) : TevReturnNotStarted;
     }
 
     static TevReturnT done(unsigned long) { return TevReturnOk; }
+
+    static TevReturnT finish(unsigned long txHandle) {
+        const std::lock_guard<std::mutex> lock(current->mutex);
+        current->memories.erase(txHandle);
+        for (auto one = current->iterators.begin(); one != current->iterators.end();) {
+            one = one->second.txHandle == txHandle ? current->iterators.erase(one) : std::next(one);
+        }
+        return TevReturnOk;
+    }
 
     static TevReturnT validate(unsigned long, bool* result) {
         *result = true;
         return TevReturnOk;
     }
 
-    static TevReturnT getMoAttribute(unsigned long, const char*, const char*, DalMoAttributeValueContainer** result) {
-        static char text[] = "value";
-        static DalMoAttributeValue value = {text};
-        static DalMoAttributeValueContainer container = {DalMoTypeString, 1, &value};
-        *result = &container;
+    static TevReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attribute,
+                                     DalMoAttributeValueContainer** result) {
+        if (dn == nullptr || attribute == nullptr || result == nullptr) {
+            return TevReturnInvalidArgument;
+        }
+        if (!isSchemaDn(dn)) {
+            return refused;
+        }
+        if (!current->hasInstance(dn) || !hasAttribute(attribute)) {
+            return TevReturnNotFound;
+        }
+        *result = current->valueFor(txHandle);
         return TevReturnOk;
     }
 
-    static TevReturnT newMoIterator(unsigned long, const char*, const char*, void** iterator) {
-        current->next = 0;
-        *iterator = current;
+    DalMoAttributeValueContainer* valueFor(unsigned long txHandle) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        Memory& memory = memories[txHandle];
+        memory.values.push_back({copy(txHandle, "value")});
+        return &memory.containers.emplace_back(DalMoAttributeValueContainer{DalMoTypeString, 1, &memory.values.back()});
+    }
+
+    static TevReturnT newMoIterator(unsigned long txHandle, const char* parent, const char* className,
+                                    void** iterator) {
+        if (parent == nullptr || className == nullptr || iterator == nullptr) {
+            return TevReturnInvalidArgument;
+        }
+        if (std::strcmp(className, "Schema") != 0 || std::strstr(parent, ",SysM=") == nullptr) {
+            return refused;
+        }
+        const std::lock_guard<std::mutex> lock(current->mutex);
+        *iterator = reinterpret_cast<void*>(++current->lastIterator);
+        current->iterators[*iterator] = {txHandle, 0};
         return TevReturnOk;
     }
 
-    static TevReturnT nextMo(void*, char** result) {
-        static char one[] = "one";
-        static char two[] = "two";
-        static char* const keys[] = {one, two, nullptr};
-        *result = keys[current->next];
-        current->next += *result == nullptr ? 0 : 1;
+    static TevReturnT nextMo(void* iterator, char** result) {
+        if (result == nullptr) {
+            return TevReturnInvalidArgument;
+        }
+        const std::lock_guard<std::mutex> lock(current->mutex);
+        const auto found = current->iterators.find(iterator);
+        if (found == current->iterators.end()) {
+            return refused;
+        }
+        Iterator& position = found->second;
+        const bool isAtEnd = position.next == current->keys.size();
+        *result = isAtEnd ? nullptr : current->copy(position.txHandle, current->keys[position.next++]);
         return TevReturnOk;
     }
 
     DalPortal_3* portal = nullptr;
-    int next = 0;
 };
 
 #endif

@@ -7,5 +7,5 @@ static DalMgmtSpiInterface_1 wanted = {"RightService", "Right", "1"};
 
 void damage(GoodComponent& component) {
     component.offers[2] = &offered;
-    component.dependencies[0] = &wanted;
+    component.dependencies[1] = &wanted;
 }

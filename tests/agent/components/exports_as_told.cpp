@@ -1,5 +1,6 @@
 // Says on standard output how "export" is called, and ends it as the URI tells: with success, with or without a
-// message; with a code, with or without one; with an exception; or finds the transaction invalid afterwards.
+// message; with a code, with or without one; with an exception; or finds the transaction invalid afterwards. Lists
+// its instances whatever their class, and knows every instance that it is asked for.
 #include <cstdio>
 #include <string>
 
@@ -45,6 +46,13 @@ static TevReturnT actAsTold(unsigned long, const char* dn, const char* name, Dal
 
 void damage(GoodComponent& component) {
     component.objects.action = actAsTold;
+    component.objects.newMoIterator = [](unsigned long txHandle, const char*, const char*, void** iterator) {
+        return GoodComponent::newMoIterator(txHandle, ",SysM=1", "Schema", iterator);
+    };
+    component.objects.getMoAttribute = [](unsigned long txHandle, const char*, const char* attribute,
+                                          DalMoAttributeValueContainer** result) {
+        return GoodComponent::getMoAttribute(txHandle, ",Schema=one", attribute, result);
+    };
     component.resource.validate = [](unsigned long, bool* result) {
         *result = isWanted;
         return TevReturnT{TevReturnOk};

@@ -53,10 +53,5 @@ static TevReturnT actInCompany(unsigned long txHandle, const char* dn, const cha
 
 void damage(GoodComponent& component) {
     component.objects.action = actInCompany;
-    component.objects.nextMo = [](void*, char** result) {
-        static char keys[6][2] = {"0", "1", "2", "3", "4", "5"};
-        static int next = 0;
-        *result = next < 6 ? keys[next++] : nullptr;
-        return TevReturnT{TevReturnOk};
-    };
+    component.keys = {"0", "1", "2", "3", "4", "5"};
 }

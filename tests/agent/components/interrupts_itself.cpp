@@ -4,8 +4,8 @@
 #include "EntryPoints.h"
 
 void damage(GoodComponent& component) {
-    component.component.start = [](DalStateChangeReason) {
+    component.component.start = [](DalStateChangeReason reason) {
         std::raise(SIGINT);
-        return TevReturnT{TevReturnOk};
+        return GoodComponent::start(reason);
     };
 }

@@ -13,13 +13,13 @@ static const Printer printer;
 
 void damage(GoodComponent& component) {
     std::printf("initialized\n");
-    component.component.start = [](DalStateChangeReason) {
+    component.component.start = [](DalStateChangeReason reason) {
         std::printf("started\n");
         std::fflush(stdout);
-        return TevReturnT{TevReturnOk};
+        return GoodComponent::start(reason);
     };
-    component.resource.finish = [](unsigned long) {
+    component.resource.finish = [](unsigned long txHandle) {
         std::printf("finished\n");
-        return TevReturnT{TevReturnOk};
+        return GoodComponent::finish(txHandle);
     };
 }

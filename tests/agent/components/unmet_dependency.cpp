@@ -4,5 +4,5 @@
 static DalMgmtSpiInterface_1 wanted = {"NobodysService", "Nothing", "4"};
 
 void damage(GoodComponent& component) {
-    component.dependencies[0] = &wanted;
+    component.dependencies[1] = &wanted;
 }

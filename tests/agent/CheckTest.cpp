@@ -1,0 +1,368 @@
+// The program's check: what it says of the component, of the example, and of components with one fault each.
+
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Object.h>
+#include <Poco/JSON/Parser.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "AgentProcess.h"
+
+namespace TevTest {
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+struct Item {
+    std::string id;
+    std::string description;
+    std::string result;
+    std::string remark;
+};
+
+std::string library(const std::string& fault) {
+    return std::string(TEV_HOSTILE_COMPONENTS) + "/" + fault + ".so";
+}
+
+std::vector<Item> itemsIn(const std::string& json) {
+    std::vector<Item> items;
+    const auto document = Poco::JSON::Parser().parse(json).extract<Poco::JSON::Object::Ptr>();
+    const Poco::JSON::Array::Ptr checks = document->getArray("checks");
+    for (unsigned int i = 0; i < checks->size(); ++i) {
+        const Poco::JSON::Object::Ptr check = checks->getObject(i);
+        items.push_back({check->getValue<std::string>("id"), check->getValue<std::string>("description"),
+                         check->getValue<std::string>("result"), check->getValue<std::string>("remark")});
+    }
+    return items;
+}
+
+/// With time for a busy machine.
+AgentOutcome check(const std::vector<std::string>& arguments) {
+    std::vector<std::string> words = {"--output", "json", "check", "--time-limit", "100"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return AgentProcess::run(words);
+}
+
+/// Item and result of all that did not pass, but for what was skipped behind it.
+using Findings = std::map<std::string, std::string>;
+
+Findings findingsIn(const std::vector<Item>& items) {
+    Findings findings;
+    for (const Item& item : items) {
+        if (item.result != "passed" && item.remark.find("did not pass") == std::string::npos) {
+            findings[item.id] = item.result;
+        }
+    }
+    return findings;
+}
+
+const std::vector<std::string>& allIds() {
+    static const std::vector<std::string> ids = [] {
+        std::vector<std::string> found;
+        for (const Item& item : itemsIn(check({TEV_COMPONENT_LIBRARY, "--in-process"}).out)) {
+            found.push_back(item.id);
+        }
+        return found;
+    }();
+    return ids;
+}
+
+// What comes out well
+
+TEST(CheckTest, theComponentPassesEveryItem) {
+    const AgentOutcome outcome = check({TEV_COMPONENT_LIBRARY});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    const std::vector<Item> items = itemsIn(outcome.out);
+    EXPECT_THAT(findingsIn(items), IsEmpty());
+    std::set<std::string> ids;
+    for (const Item& item : items) {
+        EXPECT_TRUE(ids.insert(item.id).second) << item.id;
+        EXPECT_EQ(item.result, "passed") << item.id;
+        EXPECT_THAT(item.id, testing::MatchesRegex("[a-z]+\\.[a-z-]+"));
+        EXPECT_FALSE(item.description.empty()) << item.id;
+    }
+    EXPECT_GE(ids.size(), 58U);
+}
+
+TEST(CheckTest, inOneProcessTheSameComesOut) {
+    const AgentOutcome apart = check({TEV_COMPONENT_LIBRARY});
+    const AgentOutcome inOne = check({TEV_COMPONENT_LIBRARY, "--in-process"});
+    EXPECT_EQ(inOne.status, 0);
+    EXPECT_EQ(inOne.out, apart.out);
+}
+
+TEST(CheckTest, theExamplePassesWithItsClassNamed) {
+    const AgentOutcome outcome =
+        check({TEV_EXAMPLE_COMPONENT, "--class", "Uptime", "--parent", "ManagedElement=1", "--attribute", "seconds"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(findingsIn(itemsIn(outcome.out)), IsEmpty());
+}
+
+TEST(CheckTest, theExamplePassesByItsRoute) {
+    const std::string objects = std::string(TEV_EXAMPLE_NODE) + "/../component/managed-objects.xml";
+    const AgentOutcome outcome = check({TEV_EXAMPLE_COMPONENT, "--objects", objects, "--attribute", "seconds"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(findingsIn(itemsIn(outcome.out)), IsEmpty());
+}
+
+TEST(CheckTest, whatNeedsInstancesIsSkippedWhereNobodyNamesTheClass) {
+    const AgentOutcome outcome = check({TEV_EXAMPLE_COMPONENT});
+    EXPECT_EQ(outcome.status, 0);
+    for (const Item& item : itemsIn(outcome.out)) {
+        const bool isSkipped = item.result == "skipped";
+        EXPECT_TRUE(isSkipped || item.result == "passed") << item.id;
+        EXPECT_TRUE(!isSkipped || item.remark.find("--class") != std::string::npos) << item.remark;
+        EXPECT_TRUE(isSkipped || item.id.find("listing.") != 0) << item.id;
+    }
+}
+
+TEST(CheckTest, whatNeedsAttributesIsSkippedWhereNobodyNamesThem) {
+    const AgentOutcome outcome =
+        check({TEV_EXAMPLE_COMPONENT, "--class", "Uptime", "--parent", "ManagedElement=1", "--only", "reads"});
+    EXPECT_EQ(outcome.status, 0);
+    const std::vector<Item> items = itemsIn(outcome.out);
+    ASSERT_FALSE(items.empty());
+    EXPECT_EQ(items.front().result, "skipped");
+    EXPECT_THAT(items.front().remark, HasSubstr("--attribute"));
+}
+
+// How it is told
+
+TEST(CheckTest, aTableHasALineForEachItemAndASummary) {
+    const AgentOutcome outcome = AgentProcess::run({"check", library("stop_throws"), "--only", "lifecycle.start",
+                                                    "--only", "lifecycle.stop", "--only", "lifecycle.restart"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out,
+              "passed   lifecycle.start                  start returns 0\n"
+              "failed   lifecycle.stop                   stop returns 0: component TevSchemaMoService threw in stop: "
+              "will not\n"
+              "skipped  lifecycle.restart                start works again after stop: because lifecycle.stop did not "
+              "pass\n"
+              "1 passed, 1 failed, 1 skipped\n");
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST(CheckTest, aGroupNamesItsItems) {
+    const std::vector<Item> items = itemsIn(check({TEV_COMPONENT_LIBRARY, "--only", "load"}).out);
+    ASSERT_EQ(items.size(), 3U);
+    EXPECT_EQ(items[0].id, "load.opens");
+    EXPECT_EQ(items[0].remark, TEV_COMPONENT_LIBRARY);
+    EXPECT_EQ(items[1].id, "load.entry-points");
+    EXPECT_EQ(items[2].id, "load.quiet");
+}
+
+TEST(CheckTest, anUnknownItemIsRefusedWithTheListOfThoseThatThereAre) {
+    const AgentOutcome outcome = check({TEV_COMPONENT_LIBRARY, "--only", "lifecycle.nothing"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("there is no item lifecycle.nothing"), HasSubstr("load.opens"),
+                                   HasSubstr("unload.threads")));
+}
+
+TEST(CheckTest, inOneProcessEachResultIsToldBeforeTheNextItemIsTried) {
+    const AgentOutcome outcome = AgentProcess::run({"check", library("exits_from_start"), "--in-process"});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.out, AllOf(StartsWith("passed   load.opens "), HasSubstr("\npassed   dependencies.offered "),
+                                   testing::Not(HasSubstr("lifecycle.start"))));
+    EXPECT_THAT(outcome.err, HasSubstr("tev-agent: component TevSchemaMoService called exit in start\n"));
+}
+
+TEST(CheckTest, aFileThatIsNoLibraryFailsAndTheRestIsSkipped) {
+    const std::string noLibrary = std::string(TEV_EXAMPLE_NODE) + "/managed-objects.xml";
+    const AgentOutcome outcome = check({noLibrary});
+    EXPECT_EQ(outcome.status, 1);
+    const std::vector<Item> items = itemsIn(outcome.out);
+    EXPECT_EQ(items.front().result, "failed");
+    EXPECT_THAT(items.front().remark, StartsWith(noLibrary + ": "));
+    EXPECT_EQ(items.back().result, "skipped");
+    EXPECT_EQ(items.size(), allIds().size());
+}
+
+TEST(CheckTest, aFileOfObjectsThatCannotBeUsedIsToldForEachItem) {
+    const AgentOutcome outcome = check({TEV_COMPONENT_LIBRARY, "--objects", "/nowhere", "--only", "load.opens"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(itemsIn(outcome.out).front().remark, HasSubstr("/nowhere"));
+}
+
+// How a process can end
+
+TEST(CheckTest, anItemThatHangsIsEnded) {
+    const AgentOutcome outcome =
+        AgentProcess::run({"check", library("endless_start"), "--time-limit", "1", "--only", "lifecycle.start"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out, HasSubstr("start returns 0: it did not return within 1 s\n1 failed\n"));
+}
+
+TEST(CheckTest, aComponentThatCallsExitIsNamed) {
+    const std::vector<Item> items = itemsIn(check({library("exits_from_start"), "--only", "lifecycle.start"}).out);
+    EXPECT_EQ(items.front().result, "crashed");
+    EXPECT_EQ(items.front().remark, "component TevSchemaMoService called exit in start");
+}
+
+TEST(CheckTest, aProcessThatEndsWithoutAWordIsRecognised) {
+    const std::vector<Item> items = itemsIn(check({library("leaves_at_once"), "--only", "reads.every-instance"}).out);
+    EXPECT_EQ(items.front().result, "crashed");
+    EXPECT_EQ(items.front().remark, "the process ended with status 0");
+}
+
+TEST(CheckTest, aCrashBearsTheNameOfItsSignal) {
+    const std::vector<Item> items =
+        itemsIn(check({library("crashes_on_null_class"), "--only", "listing.null-arguments"}).out);
+    EXPECT_EQ(items.front().result, "crashed");
+    EXPECT_EQ(items.front().remark, "SIGABRT");
+}
+
+/// The child of a process, once it has one.
+pid_t childOf(AgentProcess& agent) {
+    const std::string id = std::to_string(agent.id());
+    pid_t child = 0;
+    while (child == 0 && !agent.hasEnded()) {
+        std::ifstream("/proc/" + id + "/task/" + id + "/children") >> child;
+        std::this_thread::yield();
+    }
+    return child;
+}
+
+TEST(CheckTest, anInterruptEndsTheCheckAndItsProcess) {
+    AgentProcess agent({"check", library("endless_start"), "--time-limit", "600", "--only", "lifecycle.start"});
+    const pid_t child = childOf(agent);
+    ASSERT_GT(child, 0);
+    agent.send(SIGINT);
+    const AgentOutcome outcome = agent.outcome();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+    EXPECT_EQ(kill(child, 0), -1);
+}
+
+// One fault each
+
+struct Fault {
+    const char* name;
+    Findings findings;
+    bool isLasting = false;  ///< what it does to its process outlives an item
+};
+
+void PrintTo(const Fault& fault, std::ostream* out) {
+    *out << fault.name;
+}
+
+const std::vector<Fault>& faults() {
+    static const std::vector<Fault> all = {
+        {"abort_fails", {{"transactions.abort", "failed"}}},
+        {"acts_on_anything", {{"actions.unknown", "failed"}}},
+        {"answers_any_attribute", {{"reads.unknown-attribute", "failed"}}},
+        {"answers_any_class", {{"reads.other-class", "failed"}}},
+        {"answers_any_instance", {{"reads.unknown-instance", "failed"}}},
+        {"asks_undeclared", {{"dependencies.declared", "warning"}}},
+        {"comma_in_key", {{"listing.keys", "warning"}}},
+        {"compares_prefixes", {{"reads.similar-instance", "failed"}}},
+        {"crashes_on_null_attribute", {{"reads.null-arguments", "crashed"}}, true},
+        {"crashes_on_null_class", {{"listing.null-arguments", "crashed"}}, true},
+        {"crashes_unjoined", {{"transactions.no-join", "crashed"}}, true},
+        {"creates_anything", {{"writes.create", "failed"}}},
+        {"deletes_anything", {{"writes.delete", "failed"}}},
+        {"finish_needs_start", {{"transactions.finish-after-stop", "failed"}}},
+        {"finishes_all", {{"transactions.apart", "failed"}}},
+        {"init_once", {{"init.again", "warning"}}},
+        {"init_returns_code", {{"init.registers", "failed"}}},
+        {"init_without_portal", {{"init.no-portal", "failed"}}},
+        {"joins_anything", {{"transactions.unknown", "failed"}}},
+        {"joins_once", {{"transactions.join-again", "warning"}}},
+        {"joins_silently", {{"transactions.join", "failed"}}},
+        {"joins_unstarted", {{"lifecycle.not-started", "failed"}}},
+        {"keeps_iterators", {{"listing.finished-iterator", "failed"}}},
+        {"keeps_memory", {{"memory.released", "failed"}}},
+        {"leaves_descriptor", {{"unload.descriptors", "warning"}}},
+        {"leaves_thread", {{"unload.threads", "warning"}}, true},
+        {"listing_begins_again", {{"listing.end-again", "warning"}}},
+        {"listing_throws_int", {{"listing.ends", "failed"}}},
+        {"lists_any_class", {{"listing.unknown-class", "failed"}}},
+        {"lists_any_parent", {{"listing.unknown-parent", "failed"}}},
+        {"lists_for_ever", {{"listing.ends", "failed"}}},
+        {"load_throws_int", {{"load.opens", "failed"}}},
+        {"nameless_dependency", {{"tables.dependencies", "failed"}}},
+        {"nameless_extra", {{"tables.extra", "failed"}}},
+        {"no_init", {{"load.entry-points", "failed"}}},
+        {"no_portal_dependency", {{"dependencies.portal", "warning"}}},
+        {"no_terminate", {{"load.entry-points", "failed"}}},
+        {"null_array", {{"tables.component", "failed"}}},
+        {"null_component", {{"init.registers", "failed"}}},
+        {"null_function", {{"tables.offers", "failed"}}},
+        {"null_value", {{"reads.well-formed", "failed"}}},
+        {"one_iterator", {{"listing.two-iterators", "failed"}}},
+        {"one_key_buffer", {{"memory.keys", "failed"}}},
+        {"one_life", {{"unload.again", "failed"}, {"unload.descriptors", "failed"}}, true},
+        {"one_thread_only", {{"threads.together", "failed"}}},
+        {"one_value_buffer", {{"memory.values", "failed"}}},
+        {"prints_while_loaded", {{"load.quiet", "warning"}}},
+        {"prints_while_read", {{"output.untouched", "warning"}}},
+        {"read_fails", {{"reads.every-instance", "failed"}}},
+        {"refuses_with_exception", {{"exceptions.none", "warning"}}},
+        {"registers_nothing", {{"init.registers", "failed"}}},
+        {"repeats_key", {{"listing.keys", "warning"}}},
+        {"sets_anything", {{"writes.set", "failed"}}},
+        {"start_fails", {{"lifecycle.start", "failed"}}},
+        {"starts_twice", {{"lifecycle.restart", "failed"}}},
+        {"stays_loaded", {{"unload.unmaps", "warning"}}, true},
+        {"stays_registered", {{"init.unregisters", "failed"}}},
+        {"stop_needs_service", {{"lifecycle.failed-start", "failed"}}},
+        {"stop_throws", {{"lifecycle.stop", "failed"}}},
+        {"stops_once", {{"lifecycle.stop-again", "warning"}}},
+        {"strange_code", {{"reads.unknown-attribute", "warning"}}},
+        {"strange_type", {{"reads.well-formed", "failed"}}},
+        {"strange_values", {{"reads.well-formed", "failed"}}},
+        {"trusts_iterators", {{"listing.unknown-iterator", "crashed"}}, true},
+        {"unmet_dependency", {{"dependencies.offered", "failed"}}},
+        {"votes_no", {{"transactions.commit", "failed"}}},
+        {"wrong_component_version", {{"tables.component", "failed"}}},
+        {"wrong_table_version", {{"tables.offers", "failed"}}},
+    };
+    return all;
+}
+
+class CheckOfFaultTest : public testing::TestWithParam<Fault> {};
+
+// In one process where that can be, which is much faster.
+TEST_P(CheckOfFaultTest, isFoundByItsItem) {
+    std::vector<std::string> arguments = {library(GetParam().name)};
+    if (!GetParam().isLasting) {
+        arguments.emplace_back("--in-process");
+    }
+    const AgentOutcome outcome = check(arguments);
+    const std::vector<Item> items = itemsIn(outcome.out);
+    EXPECT_EQ(findingsIn(items), GetParam().findings);
+    EXPECT_EQ(items.size(), allIds().size());
+    const bool isBad = std::any_of(GetParam().findings.begin(), GetParam().findings.end(),
+                                   [](const auto& finding) { return finding.second != "warning"; });
+    EXPECT_EQ(outcome.status, isBad ? 1 : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Fault, CheckOfFaultTest, testing::ValuesIn(faults()),
+                         [](const auto& fault) { return std::string(fault.param.name); });
+
+TEST(CheckTest, thereIsAFaultForEveryItem) {
+    std::set<std::string> found;
+    for (const Fault& fault : faults()) {
+        for (const auto& [id, result] : fault.findings) {
+            found.insert(id);
+        }
+    }
+    const std::set<std::string> ids(allIds().begin(), allIds().end());
+    EXPECT_EQ(found, ids);
+}
+
+}  // namespace
+
+}  // namespace TevTest
