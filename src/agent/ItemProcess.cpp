@@ -56,6 +56,7 @@ public:
     Run(std::vector<std::string> arguments, const TemporaryFile& out, const TemporaryFile& err) {
         const SpawnSettings settings(out, err);
         std::vector<char*> words;
+        words.reserve(arguments.size() + 1);
         for (std::string& argument : arguments) {
             words.push_back(argument.data());
         }

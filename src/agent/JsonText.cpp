@@ -92,7 +92,7 @@ std::vector<CheckResult> JsonText::checkResults(const std::string& text) {
     const auto document = Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
     std::vector<CheckResult> results;
     for (const Poco::Dynamic::Var& entry : *document->getArray("checks")) {
-        const auto check = entry.extract<Poco::JSON::Object::Ptr>();
+        const auto& check = entry.extract<Poco::JSON::Object::Ptr>();
         const auto outcome = CheckResult::outcomeOf(check->getValue<std::string>("result"));
         if (!outcome) {
             throw std::out_of_range("result");

@@ -42,8 +42,8 @@ struct Settings {
 
     // Of export.
     std::string uri;                   ///< as given; for every model it ends in "/"
-    bool isEveryModel = false;         ///< there is no target
     std::size_t jobs = 4;              ///< at a time
+    bool isEveryModel = false;         ///< there is no target
     bool isPasswordFromInput = false;  ///< its first line
     std::string passwordFile;          ///< its first line; without either the operator is asked
 

@@ -1,13 +1,11 @@
 #include "TransactionChecks.h"
 
+#include <dlfcn.h>
 #include <malloc.h>
 
 #include <thread>
 
 #include "CheckTransaction.h"
-
-// The heap of a sanitizer, where there is one.
-extern "C" __attribute__((weak)) std::size_t __sanitizer_get_current_allocated_bytes();
 
 namespace TevAgent {
 
@@ -109,6 +107,7 @@ std::vector<const DalMoAttributeValueContainer*> readAll(CheckHost& host, CheckT
 
 std::vector<Texts> textsOf(const std::vector<const DalMoAttributeValueContainer*>& containers) {
     std::vector<Texts> texts;
+    texts.reserve(containers.size());
     for (const DalMoAttributeValueContainer* const container : containers) {
         texts.push_back(CheckTransaction::texts(container));
     }
@@ -162,8 +161,9 @@ std::string keepsValues(CheckHost& host) {
 }
 
 std::size_t heapBytes() {
-    if (__sanitizer_get_current_allocated_bytes != nullptr) {
-        return __sanitizer_get_current_allocated_bytes();
+    // A sanitizer has a heap of its own.
+    if (void* const function = dlsym(RTLD_DEFAULT, "__sanitizer_get_current_allocated_bytes")) {
+        return reinterpret_cast<std::size_t (*)()>(function)();
     }
     const struct mallinfo2 heap = mallinfo2();
     return heap.uordblks + heap.hblkhd;
