@@ -326,10 +326,10 @@ public:
             return;
         } catch (const CLI::ArgumentMismatch& e) {
             refuse(misuse(e));
+        } catch (const CLI::ExtrasError&) {
+            refuse(unexpected(app.remaining(true).front()) + hint(argumentCount, arguments));
         } catch (const CLI::ParseError& e) {
-            refuse(e.what() + (app.got_subcommand("get") || app.got_subcommand("export")
-                                   ? hintFor(argumentCount, arguments)
-                                   : ""));
+            refuse(e.what() + hint(argumentCount, arguments));
         }
         if (app.get_subcommands().empty()) {
             refuse("no command is given");
@@ -361,6 +361,26 @@ public:
 private:
     static constexpr const char* aboutTheProgram =
         "Hosts the management components of a node and shows what they serve.";
+
+    std::string hint(int argumentCount, const char* const* arguments) const {
+        const bool takesAny = app.got_subcommand("get") || app.got_subcommand("export");
+        return takesAny ? hintFor(argumentCount, arguments) : "";
+    }
+
+    /// What is wrong with the first argument that nothing takes.
+    std::string unexpected(const std::string& argument) const {
+        if (argument.front() == '-') {
+            return "there is no option " + argument;
+        }
+        if (!app.get_subcommands().empty()) {
+            return argument + " is one too many";
+        }
+        std::string names;
+        for (const CLI::App* const command : app.get_subcommands({})) {
+            names += (names.empty() ? "" : ", ") + command->get_name();
+        }
+        return "there is no command " + argument + "; the commands are " + names;
+    }
 
     /// Options that hold for the whole shell are known, so that they can be refused, but not shown.
     void arrangeLine() {

@@ -24,15 +24,6 @@ namespace {
     fail(sentence + ": " + capture.takeOr(owner + " returned " + ReturnCode::text(code)));
 }
 
-/// The names of the attributes that Schema instances have.
-std::string schemaAttributes() {
-    std::string names;
-    for (const std::string& name : SchemaClass::attributes()) {
-        names += (names.empty() ? "" : ", ") + name;
-    }
-    return names;
-}
-
 }  // namespace
 
 ObjectReader::ObjectReader(Router& objectRouter, unsigned long transactionHandle)
@@ -86,8 +77,7 @@ std::vector<std::string> ObjectReader::readAttribute(const std::string& dn, cons
         fail("there is no " + dn + whereToLook(dn));
     }
     if (code == TevReturnNotFound) {
-        fail(dn + " has no attribute " + name +
-             (SchemaClass::isClassOf(dn) ? "; those of its class are " + schemaAttributes() : ""));
+        fail(dn + " has no attribute " + name + knownAttributes(dn));
     }
     fail(sentence, capture, router.ownerOf(dn), code);
 }
@@ -97,7 +87,15 @@ std::string ObjectReader::whereToLook(const std::string& dn) const {
         return "; tev-agent list shows those that there are";
     }
     // Of another component's objects nothing is known here.
-    return router.routedClassOf(dn).empty() ? "; the file of --objects tells which there are" : "";
+    return router.routedClassOf(dn).empty() ? "; the file of managed objects tells which there are" : "";
+}
+
+std::string ObjectReader::knownAttributes(const std::string& dn) const {
+    std::string names;
+    for (const std::string& name : SchemaClass::isClassOf(dn) ? SchemaClass::attributes() : router.attributeNames(dn)) {
+        names += (names.empty() ? "; it has " : ", ") + name;
+    }
+    return names;
 }
 
 bool ObjectReader::exists(const std::string& dn) const {

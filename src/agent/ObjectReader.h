@@ -26,6 +26,9 @@ private:
     /// What to do when there is no such object, as the end of a sentence; nothing where nobody knows.
     std::string whereToLook(const std::string& dn) const;
 
+    /// The attributes that the object has, as the end of a sentence; nothing where nobody knows.
+    std::string knownAttributes(const std::string& dn) const;
+
     /// Whether the object is listed under its parent.
     bool exists(const std::string& dn) const;
 

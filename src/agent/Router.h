@@ -51,6 +51,9 @@ public:
     /// The class by whose route the object `dn` belongs to a component; empty for one of the store.
     std::string routedClassOf(const std::string& dn) const;
 
+    /// The names of the attributes of the object `dn` of the store; none for any other.
+    std::vector<std::string> attributeNames(const std::string& dn) const { return store.attributeNames(dn); }
+
     /// Who answers for the object `dn`, as a sentence names it: "component <name>", or "the object store".
     std::string ownerOf(const std::string& dn) const;
 

@@ -321,11 +321,14 @@ TEST(CommandLineTest, showsTheVersionEverywhere) {
 }
 
 TEST(CommandLineTest, refusesAnUnknownOptionOrCommand) {
-    EXPECT_THAT(refusal({"--models", "m", "list", "--nothing"}), HasSubstr("--nothing"));
-    EXPECT_THAT(refusal({"--models", "m", "shout"}), HasSubstr("shout"));
-    EXPECT_THAT(refusal({"--models", "m", "list", "extra"}), HasSubstr("extra"));
-    EXPECT_THAT(refusal({"check", "a.so", "b.so"}), HasSubstr("b.so"));
-    EXPECT_THAT(refusal({"--models", "m", "list", "list"}), HasSubstr("list"));
+    const std::string usage = " (tev-agent --help shows the usage)";
+    EXPECT_EQ(refusal({"--models", "m", "list", "--nothing"}), "there is no option --nothing" + usage);
+    EXPECT_EQ(refusal({"--nod", "n", "list"}), "there is no option --nod" + usage);
+    EXPECT_EQ(refusal({"--models", "m", "shout", "loud"}),
+              "there is no command shout; the commands are list, get, export, check, shell" + usage);
+    EXPECT_EQ(refusal({"--models", "m", "list", "extra", "more"}), "extra is one too many" + usage);
+    EXPECT_EQ(refusal({"check", "a.so", "b.so"}), "b.so is one too many" + usage);
+    EXPECT_EQ(refusal({"--models", "m", "list", "list"}), "list is one too many" + usage);
 }
 
 TEST(CommandLineTest, refusesACommandLineWithoutACommand) {

@@ -314,7 +314,7 @@ TEST_F(ProgramTest, getOfAnUnknownInstanceSaysThatThereIsNone) {
     expectFailure(onNode({"get", ""}), 1,
                   HasSubstr("there is no " + TestNode::schemaDn("") + "; tev-agent list shows those that there are\n"));
     expectFailure(onNode({"get", "ManagedElement=2", "dscp"}), 1,
-                  HasSubstr("there is no ManagedElement=2; the file of --objects tells which there are\n"));
+                  HasSubstr("there is no ManagedElement=2; the file of managed objects tells which there are\n"));
     expectFailure(
         onNode({"get", "ManagedElement=1,Schema=Transport"}), 1,
         HasSubstr("there is no ManagedElement=1,Schema=Transport; tev-agent list shows those that there are\n"));
@@ -330,14 +330,14 @@ TEST_F(ProgramTest, nothingIsKnownOfWhichObjectsAnotherClassOfAComponentHas) {
 }
 
 TEST_F(ProgramTest, getOfAnUnknownAttributeSaysThatTheInstanceHasNone) {
-    expectFailure(
-        onNode({"get", "Plain", "Version"}), 1,
-        HasSubstr(
-            TestNode::schemaDn("Plain") +
-            " has no attribute Version; those of its class are schemaId, identifier, baseModelIdentifier, version, "
-            "baseModelVersion, selectedModelOptions\n"));
+    expectFailure(onNode({"get", "Plain", "Version"}), 1,
+                  HasSubstr(TestNode::schemaDn("Plain") +
+                            " has no attribute Version; it has schemaId, identifier, baseModelIdentifier, version, "
+                            "baseModelVersion, selectedModelOptions\n"));
     expectFailure(onNode({"get", "ManagedElement=1", "dscp"}), 1,
                   HasSubstr("ManagedElement=1 has no attribute dscp\n"));
+    expectFailure(onNode({"get", "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "DSCP"}), 1,
+                  HasSubstr("OamBulk has no attribute DSCP; it has dscp\n"));
 }
 
 // check

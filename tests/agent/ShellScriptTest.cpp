@@ -70,7 +70,7 @@ TEST_F(ShellScriptTest, namesTheLineThatFailsAndGoesOn) {
     EXPECT_EQ(outcome.err,
               "tev-agent: line 2: there is no " + TestNode::schemaDn("Nothing") +
                   "; tev-agent list shows those that there are\ntev-agent: line 4: " + TestNode::schemaDn("Transport") +
-                  " has no attribute nothing; those of its class are schemaId, identifier, "
+                  " has no attribute nothing; it has schemaId, identifier, "
                   "baseModelIdentifier, version, baseModelVersion, selectedModelOptions\n");
 }
 
