@@ -657,7 +657,7 @@ TEST_F(ProgramTest, anInterruptedCommandIsStatus130UnlessInterruptsAreIgnored) {
     const std::vector<std::string> command = {"--component", library, "get", "one", "version"};
     expectFailure(onNode(command), 130, HasSubstr("tev-agent: interrupted\n"));
     AgentProcess::Setting setting;
-    setting.isSigintIgnored = true;
+    setting.ignoredSignals = {SIGINT};
     EXPECT_EQ(onNode(command, setting).out, "version\nvalue\n");
 }
 

@@ -35,8 +35,8 @@ protected:
     }
 
     /// Has the shell read `text` out of a file.
-    AgentOutcome run(const std::string& text, const std::vector<std::string>& options = {}) const {
-        AgentProcess::Setting setting;
+    AgentOutcome run(const std::string& text, const std::vector<std::string>& options = {},
+                     AgentProcess::Setting setting = {}) const {
         setting.environment["TEV_STATE_DIR"] = state;
         setting.in = open(folder.write("script", text).c_str(), O_RDONLY | O_CLOEXEC);
         const AgentOutcome outcome = AgentProcess::run(arguments(options), setting);
@@ -135,10 +135,14 @@ TEST_F(ShellScriptTest, aLineMayEndAsElsewhereAndTheLastOneNotAtAll) {
 
 TEST_F(ShellScriptTest, refusesALineThatIsTooLongAsAWhole) {
     const std::string longest = "get Transport version #" + std::string(65536 - 23, 'x');
-    const AgentOutcome outcome = run(longest + "\n" + longest + "x\nget Transport version\n");
+    const AgentOutcome outcome = run(longest + "\n" + longest + "x\n" + longest + "\r\n" + longest + "\rx\n" + longest +
+                                     "x\r\nget Transport version\n");
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.out, version + version);
-    EXPECT_EQ(outcome.err, "tev-agent: line 2: the line is longer than 65536 bytes\n");
+    EXPECT_EQ(outcome.out, version + version + version);
+    EXPECT_EQ(outcome.err,
+              "tev-agent: line 2: the line is longer than 65536 bytes\n"
+              "tev-agent: line 4: the line is longer than 65536 bytes\n"
+              "tev-agent: line 5: the line is longer than 65536 bytes\n");
 }
 
 TEST_F(ShellScriptTest, refusesALineWithANullByte) {
@@ -185,6 +189,15 @@ TEST_F(ShellScriptTest, checksInAProgramOfItsOwn) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(alone.out, HasSubstr("passed"));
     EXPECT_EQ(outcome.out, version + alone.out + version);
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(ShellScriptTest, checksAlsoWhereTheParentIgnoresTheEndOfChildren) {
+    AgentProcess::Setting setting;
+    setting.ignoredSignals = {SIGCHLD};
+    const AgentOutcome outcome = run("check --only load.opens\n", {}, setting);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, EndsWith("1 passed\n"));
     EXPECT_EQ(outcome.err, "");
 }
 
