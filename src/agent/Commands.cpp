@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <system_error>
 #include <thread>
 
@@ -141,9 +142,15 @@ ExitStatus Commands::carryOut(Agent& agent) {
             return list(agent);
         case Settings::Command::Get:
             return get(agent);
-        default:
+        case Settings::Command::Export:
             return settings.isEveryModel ? exportEvery(agent) : exportOne(agent);
+        case Settings::Command::Check:
+        case Settings::Command::Shell:
+        case Settings::Command::Help:
+        case Settings::Command::Quit:
+            break;
     }
+    throw std::logic_error("a command without an agent was to be carried out in one");
 }
 
 ExitStatus Commands::list(Agent& agent) {
