@@ -210,9 +210,8 @@ ExportRun::Export Commands::namedExport(Agent& agent) const {
     const std::string routedClass = agent.router().routedClassOf(dn);
     const bool isSchema = SchemaClass::isClassOf(dn);
     if (!isSchema && (routedClass.empty() || routedClass == SchemaClass::name)) {
-        throw Failure(
-            ExitStatus::OperationFailed,
-            dn + " is no Schema instance, and has no file to export; tev-agent list shows those that have one");
+        throw Failure(ExitStatus::OperationFailed,
+                      dn + " is no Schema instance, and has no file to export; list shows those that have one");
     }
     if (!isSchema) {
         return {dn, dn, std::nullopt};

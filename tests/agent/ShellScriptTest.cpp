@@ -69,7 +69,7 @@ TEST_F(ShellScriptTest, namesTheLineThatFailsAndGoesOn) {
     EXPECT_EQ(outcome.out, version + version);
     EXPECT_EQ(outcome.err,
               "tev-agent: line 2: there is no " + TestNode::schemaDn("Nothing") +
-                  "; tev-agent list shows those that there are\ntev-agent: line 4: " + TestNode::schemaDn("Transport") +
+                  "; list shows those that there are\ntev-agent: line 4: " + TestNode::schemaDn("Transport") +
                   " has no attribute nothing; those of its class are schemaId, identifier, "
                   "baseModelIdentifier, version, baseModelVersion, selectedModelOptions\n");
 }
@@ -267,7 +267,7 @@ TEST_F(ShellScriptTest, whatIsTypedIsAScriptWhereStandardErrorIsNoTerminal) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, version);
     EXPECT_EQ(outcome.err, "tev-agent: line 1: there is no " + TestNode::schemaDn("Nothing") +
-                               "; tev-agent list shows those that there are\n");
+                               "; list shows those that there are\n");
 }
 
 }  // namespace

@@ -101,7 +101,7 @@ TEST_F(ShellTest, carriesOutWhatIsTypedAndPromptsAgain) {
 
 TEST_F(ShellTest, saysAFailureWithoutALineAndEndsWell) {
     Session shell = start();
-    shell.type("get Nothing\n", "; tev-agent list shows those that there are\r\n" + prompt);
+    shell.type("get Nothing\n", "; list shows those that there are\r\n" + prompt);
     shell.type("get 'Nothing\n", "\r\ntev-agent: a ' has no second one that ends its quotation\r\n" + prompt);
     EXPECT_EQ(shell.end(), 0);
 }
