@@ -224,6 +224,26 @@ TEST_F(ShellScriptTest, anInterruptEndsAScript) {
     }
 }
 
+TEST_F(ShellScriptTest, anInterruptEndsACheckInGoodOrderWhicheverOfTheProgramsItIsSentTo) {
+    for (const bool isForTheGroup : {false, true}) {
+        Pipe script(0);
+        const Pipe results(0);
+        AgentProcess::Setting setting;
+        setting.in = script.reading();
+        setting.out = results.writing();
+        AgentProcess agent(arguments({}), setting);
+        const std::string line = "check --time-limit 600 --only load.opens --only lifecycle.start " +
+                                 fault("endless_start") + "\nget Transport version\n";
+        ASSERT_EQ(write(script.writing(), line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        char byte = '\0';
+        ASSERT_EQ(::read(results.reading(), &byte, 1), 1) << "the check is under way";
+        ASSERT_EQ(kill(isForTheGroup ? -agent.id() : agent.id(), SIGINT), 0);
+        const AgentOutcome outcome = agent.outcome();
+        EXPECT_EQ(outcome.status, 130);
+        EXPECT_EQ(outcome.err, "tev-agent: interrupted\ntev-agent: line 1: the check ended with status 130\n");
+    }
+}
+
 TEST_F(ShellScriptTest, anInterruptEndsTheWaitForALine) {
     Pipe script(0);
     AgentProcess::Setting setting;
