@@ -12,9 +12,9 @@ namespace TevAgent {
 /// A command in a program of its own: what loads a component anew cannot be carried out where one is at work.
 class CheckProcess {
 public:
-    /// Runs this program with these arguments, nothing to read, and its results in `output`. Returns its status. A
-    /// final interruption is passed on to it; of others it has its own. Throws `Failure` (operation failed) when it
-    /// cannot be started, or was ended by a signal.
+    /// Runs this program with these arguments, nothing to read, and its results in `output`. Returns its status. An
+    /// interruption is passed on to it; where standard input is a terminal, whose interrupt key reaches it, too, only a
+    /// final one. Throws `Failure` (operation failed) when it cannot be started, or was ended by a signal.
     static ExitStatus run(const std::vector<std::string>& arguments, const StandardOutput& output);
 };
 

@@ -146,7 +146,7 @@ void addShell(CLI::App& app, Settings& settings) {
 
 /// What only a line of the shell asks for.
 void addLineCommands(CLI::App& app, Settings& settings) {
-    addCommand(app, settings, "help", Settings::Command::Quit, "Shows the commands, or the usage of one")
+    addCommand(app, settings, "help", Settings::Command::Help, "Shows the commands, or the usage of one")
         ->add_option("COMMAND", settings.target, "The command; all of them when absent");
     addCommand(app, settings, "quit", Settings::Command::Quit, "Ends the shell, as Ctrl-D does")->alias("exit");
 }
@@ -459,7 +459,7 @@ Settings CommandLine::parseLine(const std::vector<std::string>& words, const Set
             const std::string& option = settings.nodeOptions.front();
             refuse(option.substr(0, option.find('=')) + " holds for the whole shell, and stands before its name");
         }
-        if (parser.app.got_subcommand("help")) {
+        if (settings.command == Settings::Command::Help) {
             settings.information = helpOf(settings.target);
             return settings;
         }

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <stdexcept>
 #include <system_error>
 #include <thread>
 
@@ -141,9 +142,15 @@ ExitStatus Commands::carryOut(Agent& agent) {
             return list(agent);
         case Settings::Command::Get:
             return get(agent);
-        default:
+        case Settings::Command::Export:
             return settings.isEveryModel ? exportEvery(agent) : exportOne(agent);
+        case Settings::Command::Check:
+        case Settings::Command::Shell:
+        case Settings::Command::Help:
+        case Settings::Command::Quit:
+            break;
     }
+    throw std::logic_error("a command without an agent was to be carried out in one");
 }
 
 ExitStatus Commands::list(Agent& agent) {
@@ -203,9 +210,8 @@ ExportRun::Export Commands::namedExport(Agent& agent) const {
     const std::string routedClass = agent.router().routedClassOf(dn);
     const bool isSchema = SchemaClass::isClassOf(dn);
     if (!isSchema && (routedClass.empty() || routedClass == SchemaClass::name)) {
-        throw Failure(
-            ExitStatus::OperationFailed,
-            dn + " is no Schema instance, and has no file to export; tev-agent list shows those that have one");
+        throw Failure(ExitStatus::OperationFailed,
+                      dn + " is no Schema instance, and has no file to export; list shows those that have one");
     }
     if (!isSchema) {
         return {dn, dn, std::nullopt};

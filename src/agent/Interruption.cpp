@@ -25,7 +25,6 @@ void note(int noted) {
     if (noted != SIGINT) {
         isFinalNoted = true;
     }
-    isNoted = true;
     for (const int signal : watched) {
         struct sigaction action {};
         sigaction(signal, nullptr, &action);
@@ -35,6 +34,7 @@ void note(int noted) {
         }
     }
     Tev::SftpWrapper::interruptAll();
+    isNoted = true;  // last: another thread that sees it may take all of this up again at once
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "LineEditor.h"
 
 #include <fcntl.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 #include "Completion.h"
 #include "Failure.h"
 #include "Interruption.h"
+#include "Screen.h"
 #include "Text.h"
 #include "Utf8.h"
 
@@ -51,9 +51,9 @@ std::string commonBeginning(const std::vector<std::string>& candidates) {
     return common;
 }
 
-std::size_t widthOfTerminal() {
-    winsize size{};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+/// Whether keys could not give `text`, but a name that others chose may hold it.
+bool cannotBeTyped(const std::string& text) {
+    return Text::hasControl(text) || Utf8::repaired(text) != text;
 }
 
 /// The texts in columns, row by row.
@@ -123,7 +123,10 @@ std::optional<LineSource::Line> LineEditor::next() {
         int size = 0;
         const char* const typed = el_gets(editor.get(), &size);
         if (typed != nullptr && size > 0) {
-            const std::string line(typed, static_cast<std::size_t>(size) - 1);
+            std::string line(typed, static_cast<std::size_t>(size));
+            if (line.back() == '\n') {
+                line.pop_back();
+            }
             keep(line);
             return Line{line, ""};
         }
@@ -156,7 +159,11 @@ int LineEditor::read(EditLine* line, wchar_t* character) {
 }
 
 unsigned char LineEditor::complete(EditLine* line, int) {
-    return of(line).completeWord();
+    try {
+        return of(line).completeWord();
+    } catch (const std::exception&) {
+        return CC_ERROR;  // the library is C
+    }
 }
 
 int LineEditor::readCharacter(wchar_t* character) {
@@ -224,6 +231,8 @@ std::vector<std::string> LineEditor::candidates(const ShellWords::Begun& begun) 
     }
     el_set(editor.get(), EL_PREP_TERM, 1);
     isInterrupted = Interruption::isRequested();
+    // A newline would end the line, and what stands behind it be another one.
+    found.erase(std::remove_if(found.begin(), found.end(), cannotBeTyped), found.end());
     return found;
 }
 
@@ -231,9 +240,9 @@ void LineEditor::show(const std::vector<std::string>& candidates) {
     const std::size_t shown = std::min(candidates.size(), mostShown);
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < shown; ++i) {
-        texts.push_back(Text::escaped(Utf8::repaired(candidates[i])));
+        texts.push_back(Text::escaped(candidates[i]));
     }
-    std::string rows = "\n" + inColumns(texts, widthOfTerminal());
+    std::string rows = "\n" + inColumns(texts, Screen::columnsOf(STDERR_FILENO));
     if (shown < candidates.size()) {
         rows += "and " + std::to_string(candidates.size() - shown) + " more\n";
     }

@@ -43,7 +43,7 @@ private:
 
     int readCharacter(wchar_t* character);
     unsigned char completeWord();
-    /// Asks the completer while the terminal and the locale are the program's own.
+    /// Asks the completer while the terminal and the locale are the program's own. What cannot be typed is left out.
     std::vector<std::string> candidates(const ShellWords::Begun& begun);
     void show(const std::vector<std::string>& candidates);
     void keep(const std::string& line);

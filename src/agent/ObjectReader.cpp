@@ -84,7 +84,7 @@ std::vector<std::string> ObjectReader::readAttribute(const std::string& dn, cons
 
 std::string ObjectReader::whereToLook(const std::string& dn) const {
     if (SchemaClass::isClassOf(dn)) {
-        return "; tev-agent list shows those that there are";
+        return "; list shows those that there are";
     }
     // Of another component's objects nothing is known here.
     return router.routedClassOf(dn).empty() ? "; the file of managed objects tells which there are" : "";

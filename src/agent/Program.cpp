@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -84,6 +85,8 @@ int Program::run(int argumentCount, const char* const* arguments) {
     return static_cast<int>(Ending::of([&] {
         StandardOutput output;
         Interruption::watch();
+        // Where whoever started the program ignores it, the system does not tell how a check's processes ended.
+        std::signal(SIGCHLD, SIG_DFL);
         const ExitStatus status = execute(argumentCount, arguments, output);
         output.close();
         return status;

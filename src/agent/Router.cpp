@@ -202,8 +202,9 @@ TevReturnT Router::reach(unsigned long txHandle, const Route& route, DalOamSpiMa
     DalMgmtSpiInterface_1* const resource =
         portal.find({route.component.c_str(), "DalOamSpiTransactionalResource", "2"});
     if (objects == nullptr || resource == nullptr) {
-        Diagnostics::say("class " + route.className + " belongs to component " + route.component +
-                         ", which is not there or offers no managed objects; --component loads it");
+        Diagnostics::say(
+            "class " + route.className + " belongs to component " + route.component +
+            ", which is not there or offers no managed objects; the option --component of tev-agent loads it");
         return TevReturnNotFound;
     }
     owner = reinterpret_cast<DalOamSpiManagedObject_1*>(objects);

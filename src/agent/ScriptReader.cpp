@@ -20,9 +20,7 @@ std::optional<LineSource::Line> ScriptReader::next() {
     for (; count == 1 && byte != '\n'; count = Interruption::readByte(STDIN_FILENO, byte)) {
         if (byte == '\0') {
             line.fault = "the line holds a null byte";
-        } else if (line.text.size() == maxBytes) {
-            line.fault = "the line is longer than " + std::to_string(maxBytes) + " bytes";
-        } else {
+        } else if (line.text.size() < maxBytes + 2) {  // one too many is seen also where a carriage return goes
             line.text += byte;
         }
     }
@@ -31,6 +29,9 @@ std::optional<LineSource::Line> ScriptReader::next() {
     }
     if (!line.text.empty() && line.text.back() == '\r') {
         line.text.pop_back();
+    }
+    if (line.text.size() > maxBytes) {
+        line.fault = "the line is longer than " + std::to_string(maxBytes) + " bytes";
     }
     return line;
 }

@@ -13,7 +13,7 @@ struct Settings {
     /// The component looks its configuration up a second time under this name, so the file can have no other.
     static constexpr const char* configurationName = "libtev_schema_populator.cfg";
 
-    enum class Command { List, Get, Export, Check, Shell, Quit };
+    enum class Command { List, Get, Export, Check, Shell, Help, Quit };
     enum class Output { Table, Json };
 
     std::string models;                   ///< folder of model files

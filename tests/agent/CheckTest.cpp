@@ -224,6 +224,16 @@ TEST(CheckTest, aCrashBearsTheNameOfItsSignal) {
     EXPECT_EQ(items.front().remark, "SIGABRT");
 }
 
+// It is so under some that start programs.
+TEST(CheckTest, howAProcessEndsIsSeenAlsoWhereTheParentIgnoresTheSignalOfIt) {
+    AgentProcess::Setting setting;
+    setting.ignoredSignals = {SIGCHLD};
+    const AgentOutcome outcome = AgentProcess::run(
+        {"--output", "json", "check", library("crashes_on_null_class"), "--only", "listing.null-arguments"}, setting);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(itemsIn(outcome.out).front().remark, "SIGABRT");
+}
+
 /// The child of a process, once it has one.
 pid_t childOf(AgentProcess& agent) {
     const std::string id = std::to_string(agent.id());

@@ -287,6 +287,7 @@ TEST_F(LineTest, refusesWhatHoldsForTheWholeShell) {
 }
 
 TEST_F(LineTest, helpShowsTheCommandsOrTheUsageOfOneWithExamples) {
+    EXPECT_EQ(parseLine({"help"}).command, Settings::Command::Help);
     const std::string all = parseLine({"help"}).information;
     for (const std::string& command : CommandLine::lineCommands()) {
         EXPECT_THAT(all, HasSubstr(command));

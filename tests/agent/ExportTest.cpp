@@ -112,9 +112,9 @@ TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAnObjectThatHasNoFile) {
                                   TestNode::schemaDn("one") + ",Part=1"}) {
         const AgentOutcome outcome = AgentProcess::run(arguments("exports_as_told", {dn, "sftp://h/p"}));
         EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.err,
-                  "tev-agent: " + dn +
-                      " is no Schema instance, and has no file to export; tev-agent list shows those that have one\n");
+        EXPECT_EQ(
+            outcome.err,
+            "tev-agent: " + dn + " is no Schema instance, and has no file to export; list shows those that have one\n");
     }
 }
 
@@ -294,8 +294,8 @@ TEST_F(ExportTest, anInterruptEndsTheWaitForANamedPipe) {
 TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAModelThatIsNotThere) {
     const AgentOutcome outcome = AgentProcess::run({"--node", node.path(), "export", "Nothing", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "tev-agent: there is no " + TestNode::schemaDn("Nothing") +
-                               "; tev-agent list shows those that there are\n");
+    EXPECT_EQ(outcome.err,
+              "tev-agent: there is no " + TestNode::schemaDn("Nothing") + "; list shows those that there are\n");
 }
 
 TEST_F(ExportTest, exportsEveryModelSeveralAtATimeWithOneLineEach) {

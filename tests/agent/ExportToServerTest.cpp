@@ -111,8 +111,8 @@ TEST_F(ExportToServerTest, aModelThatIsNotThereReachesNoServer) {
     const AgentOutcome outcome = AgentProcess::run(withPassword({"Nothing", uri("copy.xml")}), setting);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
-              "tev-agent: there is no ManagedElement=1,SystemFunctions=1,SysM=1,Schema=Nothing; tev-agent list shows "
-              "those that there are\n");
+              "tev-agent: there is no ManagedElement=1,SystemFunctions=1,SysM=1,Schema=Nothing; list shows those "
+              "that there are\n");
     EXPECT_THAT(server.log(), Not(HasSubstr("Connection from")));
 }
 

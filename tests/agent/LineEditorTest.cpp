@@ -81,6 +81,36 @@ TEST_F(LineEditorTest, theTerminalIsItsOwnAgainWhileCandidatesAreSought) {
     EXPECT_TRUE(terminal.hasEcho());
 }
 
+TEST_F(LineEditorTest, leavesOutCandidatesThatCannotBeTyped) {
+    std::vector<std::string> found = {"a", "a\x80"};
+    LineEditor editor([&](const auto&, const auto&) { return found; });
+    auto line = std::async(std::launch::async, [&] { return editor.next(); });
+    terminal.waitFor("tev> ");
+    terminal.type("a\t\n");
+    EXPECT_EQ(line.get()->text, "a ");
+    found = {"a\nb"};
+    line = std::async(std::launch::async, [&] { return editor.next(); });
+    terminal.type("a\t\n");
+    EXPECT_EQ(line.get()->text, "a");
+}
+
+TEST_F(LineEditorTest, candidatesThatDoNotBeginWithTheWordDoNoHarm) {
+    LineEditor editor([](const auto&, const auto&) { return std::vector<std::string>{"l"}; });
+    auto line = std::async(std::launch::async, [&] { return editor.next(); });
+    terminal.waitFor("tev> ");
+    terminal.type("li\tst\n");
+    EXPECT_EQ(line.get()->text, "list");
+}
+
+TEST_F(LineEditorTest, aLastLineWithoutANewlineIsWhole) {
+    const EnvironmentVariable unedited("TERM", "emacs");
+    LineEditor editor([](const auto&, const auto&) { return std::vector<std::string>(); });
+    auto line = std::async(std::launch::async, [&] { return editor.next(); });
+    terminal.waitFor("tev> ");
+    terminal.type("list\x04\x04");
+    EXPECT_EQ(line.get()->text, "list");
+}
+
 }  // namespace
 
 }  // namespace TevAgent

@@ -308,16 +308,14 @@ TEST_F(ProgramTest, getShowsJustTheAttributesNamedInTheirOrder) {
 }
 
 TEST_F(ProgramTest, getOfAnUnknownInstanceSaysThatThereIsNone) {
-    expectFailure(
-        onNode({"get", "Nothing"}), 1,
-        HasSubstr("there is no " + TestNode::schemaDn("Nothing") + "; tev-agent list shows those that there are\n"));
+    expectFailure(onNode({"get", "Nothing"}), 1,
+                  HasSubstr("there is no " + TestNode::schemaDn("Nothing") + "; list shows those that there are\n"));
     expectFailure(onNode({"get", ""}), 1,
-                  HasSubstr("there is no " + TestNode::schemaDn("") + "; tev-agent list shows those that there are\n"));
+                  HasSubstr("there is no " + TestNode::schemaDn("") + "; list shows those that there are\n"));
     expectFailure(onNode({"get", "ManagedElement=2", "dscp"}), 1,
                   HasSubstr("there is no ManagedElement=2; the file of managed objects tells which there are\n"));
-    expectFailure(
-        onNode({"get", "ManagedElement=1,Schema=Transport"}), 1,
-        HasSubstr("there is no ManagedElement=1,Schema=Transport; tev-agent list shows those that there are\n"));
+    expectFailure(onNode({"get", "ManagedElement=1,Schema=Transport"}), 1,
+                  HasSubstr("there is no ManagedElement=1,Schema=Transport; list shows those that there are\n"));
 }
 
 TEST_F(ProgramTest, nothingIsKnownOfWhichObjectsAnotherClassOfAComponentHas) {
@@ -453,10 +451,10 @@ TEST_F(ProgramTest, aRouteToAComponentThatIsNotThereNamesIt) {
         <route class="Licence" parent="ManagedElement" component="LicenceService"/>
         <mo class="ManagedElement" id="1"/>
       </managedObjects>)");
-    expectFailure(
-        onNode({"get", "ManagedElement=1,Licence=5", "expiry"}), 1,
-        HasSubstr("cannot read attribute expiry of ManagedElement=1,Licence=5: class Licence belongs to "
-                  "component LicenceService, which is not there or offers no managed objects; --component loads it\n"));
+    expectFailure(onNode({"get", "ManagedElement=1,Licence=5", "expiry"}), 1,
+                  HasSubstr("cannot read attribute expiry of ManagedElement=1,Licence=5: class Licence belongs to "
+                            "component LicenceService, which is not there or offers no managed objects; the option "
+                            "--component of tev-agent loads it\n"));
 }
 
 TEST_F(ProgramTest, logsNothingUnlessAsked) {
@@ -647,8 +645,8 @@ TEST_F(ProgramTest, waitsForAFullStandardErrorThatIsNonBlocking) {
     AgentProcess agent(nodeAnd({"get", longName}), setting);
     pipe.closeWriting();
     pipe.waitUntilFull();
-    EXPECT_EQ(pipe.readAll(), "tev-agent: there is no " + TestNode::schemaDn(longName) +
-                                  "; tev-agent list shows those that there are\n");
+    EXPECT_EQ(pipe.readAll(),
+              "tev-agent: there is no " + TestNode::schemaDn(longName) + "; list shows those that there are\n");
     EXPECT_EQ(agent.outcome().status, 1);
 }
 
@@ -657,7 +655,7 @@ TEST_F(ProgramTest, anInterruptedCommandIsStatus130UnlessInterruptsAreIgnored) {
     const std::vector<std::string> command = {"--component", library, "get", "one", "version"};
     expectFailure(onNode(command), 130, HasSubstr("tev-agent: interrupted\n"));
     AgentProcess::Setting setting;
-    setting.isSigintIgnored = true;
+    setting.ignoredSignals = {SIGINT};
     EXPECT_EQ(onNode(command, setting).out, "version\nvalue\n");
 }
 

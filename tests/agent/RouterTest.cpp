@@ -330,7 +330,7 @@ TEST_F(RouterTest, aRoutedClassWithoutItsComponentIsNotFoundAndNamesIt) {
     EXPECT_EQ(objects.getMoAttribute(tx, routedDn, "severity", &container), -2);
     EXPECT_EQ(capture.takeOr(""),
               "class Alarm belongs to component AlarmService, which is not there or offers no managed objects; "
-              "--component loads it");
+              "the option --component of tev-agent loads it");
 }
 
 TEST_F(RouterTest, servesSeveralThreadsAtOnce) {

@@ -35,8 +35,8 @@ protected:
     }
 
     /// Has the shell read `text` out of a file.
-    AgentOutcome run(const std::string& text, const std::vector<std::string>& options = {}) const {
-        AgentProcess::Setting setting;
+    AgentOutcome run(const std::string& text, const std::vector<std::string>& options = {},
+                     AgentProcess::Setting setting = {}) const {
         setting.environment["TEV_STATE_DIR"] = state;
         setting.in = open(folder.write("script", text).c_str(), O_RDONLY | O_CLOEXEC);
         const AgentOutcome outcome = AgentProcess::run(arguments(options), setting);
@@ -69,7 +69,7 @@ TEST_F(ShellScriptTest, namesTheLineThatFailsAndGoesOn) {
     EXPECT_EQ(outcome.out, version + version);
     EXPECT_EQ(outcome.err,
               "tev-agent: line 2: there is no " + TestNode::schemaDn("Nothing") +
-                  "; tev-agent list shows those that there are\ntev-agent: line 4: " + TestNode::schemaDn("Transport") +
+                  "; list shows those that there are\ntev-agent: line 4: " + TestNode::schemaDn("Transport") +
                   " has no attribute nothing; it has schemaId, identifier, "
                   "baseModelIdentifier, version, baseModelVersion, selectedModelOptions\n");
 }
@@ -135,10 +135,14 @@ TEST_F(ShellScriptTest, aLineMayEndAsElsewhereAndTheLastOneNotAtAll) {
 
 TEST_F(ShellScriptTest, refusesALineThatIsTooLongAsAWhole) {
     const std::string longest = "get Transport version #" + std::string(65536 - 23, 'x');
-    const AgentOutcome outcome = run(longest + "\n" + longest + "x\nget Transport version\n");
+    const AgentOutcome outcome = run(longest + "\n" + longest + "x\n" + longest + "\r\n" + longest + "\rx\n" + longest +
+                                     "x\r\nget Transport version\n");
     EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.out, version + version);
-    EXPECT_EQ(outcome.err, "tev-agent: line 2: the line is longer than 65536 bytes\n");
+    EXPECT_EQ(outcome.out, version + version + version);
+    EXPECT_EQ(outcome.err,
+              "tev-agent: line 2: the line is longer than 65536 bytes\n"
+              "tev-agent: line 4: the line is longer than 65536 bytes\n"
+              "tev-agent: line 5: the line is longer than 65536 bytes\n");
 }
 
 TEST_F(ShellScriptTest, refusesALineWithANullByte) {
@@ -188,6 +192,15 @@ TEST_F(ShellScriptTest, checksInAProgramOfItsOwn) {
     EXPECT_EQ(outcome.err, "");
 }
 
+TEST_F(ShellScriptTest, checksAlsoWhereTheParentIgnoresTheEndOfChildren) {
+    AgentProcess::Setting setting;
+    setting.ignoredSignals = {SIGCHLD};
+    const AgentOutcome outcome = run("check --only load.opens\n", {}, setting);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, EndsWith("1 passed\n"));
+    EXPECT_EQ(outcome.err, "");
+}
+
 TEST_F(ShellScriptTest, aCheckThatFailsIsSaidWithItsLine) {
     const AgentOutcome outcome =
         run("get Transport version\ncheck " + fault("start_fails") + "\nget Transport version\n");
@@ -208,6 +221,26 @@ TEST_F(ShellScriptTest, anInterruptEndsAScript) {
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
         EXPECT_EQ(outcome.err, "listing\nabort\nfinish\ntev-agent: line 1: interrupted\nstop\nterminate\n");
+    }
+}
+
+TEST_F(ShellScriptTest, anInterruptEndsACheckInGoodOrderWhicheverOfTheProgramsItIsSentTo) {
+    for (const bool isForTheGroup : {false, true}) {
+        Pipe script(0);
+        const Pipe results(0);
+        AgentProcess::Setting setting;
+        setting.in = script.reading();
+        setting.out = results.writing();
+        AgentProcess agent(arguments({}), setting);
+        const std::string line = "check --time-limit 600 --only load.opens --only lifecycle.start " +
+                                 fault("endless_start") + "\nget Transport version\n";
+        ASSERT_EQ(write(script.writing(), line.data(), line.size()), static_cast<ssize_t>(line.size()));
+        char byte = '\0';
+        ASSERT_EQ(::read(results.reading(), &byte, 1), 1) << "the check is under way";
+        ASSERT_EQ(kill(isForTheGroup ? -agent.id() : agent.id(), SIGINT), 0);
+        const AgentOutcome outcome = agent.outcome();
+        EXPECT_EQ(outcome.status, 130);
+        EXPECT_EQ(outcome.err, "tev-agent: interrupted\ntev-agent: line 1: the check ended with status 130\n");
     }
 }
 
@@ -254,7 +287,7 @@ TEST_F(ShellScriptTest, whatIsTypedIsAScriptWhereStandardErrorIsNoTerminal) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, version);
     EXPECT_EQ(outcome.err, "tev-agent: line 1: there is no " + TestNode::schemaDn("Nothing") +
-                               "; tev-agent list shows those that there are\n");
+                               "; list shows those that there are\n");
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ protected:
     public:
         Session(const ShellTest& test, const std::vector<std::string>& options)
             : agent(argumentsFor(test, options), settingOn(terminal, test)) {
-            terminal.take(prompt);
+            greeting = terminal.take(prompt);
         }
 
         /// Types `keys`, and returns what is shown then up to the end of `expected`.
@@ -51,6 +51,7 @@ protected:
 
         Terminal terminal;
         AgentProcess agent;
+        std::string greeting;  ///< what is shown up to the first prompt
 
     private:
         static std::vector<std::string> argumentsFor(const ShellTest& test, const std::vector<std::string>& options) {
@@ -100,7 +101,7 @@ TEST_F(ShellTest, carriesOutWhatIsTypedAndPromptsAgain) {
 
 TEST_F(ShellTest, saysAFailureWithoutALineAndEndsWell) {
     Session shell = start();
-    shell.type("get Nothing\n", "; tev-agent list shows those that there are\r\n" + prompt);
+    shell.type("get Nothing\n", "; list shows those that there are\r\n" + prompt);
     shell.type("get 'Nothing\n", "\r\ntev-agent: a ' has no second one that ends its quotation\r\n" + prompt);
     EXPECT_EQ(shell.end(), 0);
 }
@@ -255,7 +256,7 @@ TEST_F(ShellTest, rememberedLinesAreThereInTheNextShell) {
 TEST_F(ShellTest, aHistoryThatCannotBeKeptIsSaidAndNoFailure) {
     folder.write("state", "");
     Session shell = start();
-    shell.type("get Transport version\n", version);
+    EXPECT_THAT(shell.greeting, HasSubstr("history " + state + "/history cannot be kept"));
     EXPECT_THAT(shell.type("get Transport version\n", version), Not(HasSubstr("history")));
     EXPECT_EQ(shell.end(), 0);
 }

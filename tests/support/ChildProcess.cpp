@@ -66,12 +66,12 @@ void direct(int target, int source, const char* file, int flags) {
 }
 
 /// The usual handling of every signal that a parent may have changed, whatever the test was started with.
-void resetSignals(bool isSigintIgnored) {
+void resetSignals(const std::vector<int>& ignored) {
     for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGCHLD}) {
         std::signal(number, SIG_DFL);
     }
-    if (isSigintIgnored) {
-        std::signal(SIGINT, SIG_IGN);
+    for (const int number : ignored) {
+        std::signal(number, SIG_IGN);
     }
     sigset_t none;
     sigemptyset(&none);
@@ -95,7 +95,7 @@ void giveUpPrivileges() {
     direct(STDERR_FILENO, setting.err, errFile, O_WRONLY | O_CREAT | O_APPEND);
     direct(STDOUT_FILENO, setting.out, outFile, O_WRONLY | O_CREAT | O_APPEND);
     direct(STDIN_FILENO, setting.in, "/dev/null", O_RDONLY);
-    resetSignals(setting.isSigintIgnored);
+    resetSignals(setting.ignoredSignals);
     if (setting.isUnprivileged) {
         giveUpPrivileges();
     }

@@ -25,7 +25,7 @@ public:
         int out = -1;            ///< descriptor in place of a file that the test can read back
         int err = -1;            ///< the same
         std::string terminal{};  ///< path of a terminal that becomes the controlling one
-        bool isSigintIgnored = false;
+        std::vector<int> ignoredSignals{};
         bool isUnprivileged = false;  ///< files are open to it as to any user, also where tests run as root
         std::string workingFolder = "/";
     };

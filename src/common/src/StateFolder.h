@@ -9,7 +9,7 @@ namespace Tev {
 /// else `~/.local/state/tev`.
 class StateFolder {
 public:
-    /// Absolute; empty when the environment names none.
+    /// Absolute; empty when the environment names none. Throws std::system_error.
     static std::filesystem::path path();
 
     /// Makes the folder and those above it that are missing, for their owner only. Throws std::system_error.
