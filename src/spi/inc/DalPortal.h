@@ -46,9 +46,9 @@ typedef struct DalPortal_3 {
 // The two entry points, which the library of a component defines and the host looks up by name once it has loaded it.
 // An exception may leave them, as it may leave every entry of a component's tables: the host takes it as a failure.
 
-/// Registers the component with the portal that `accessor` (owned by the host) gives. `configuration` is the path of
-/// the component's configuration file, borrowed until the call returns, or null for none. Returns 0; any other code
-/// says why the component cannot be used, and `dalLCMterminate` is not called then. [lifecycle]
+/// Registers the component with the portal that `accessor` gives. `configuration` is a path, borrowed until the call
+/// returns, or null for none. Returns 0; any other code is why it cannot be used, and no `dalLCMterminate` follows.
+/// [lifecycle]
 DAL_ENTRY_POINT TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration);
 
 /// Takes the component off the portal, after the last `stop`. The library may be unloaded when it has returned.
