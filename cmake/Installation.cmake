@@ -41,14 +41,19 @@ install(EXPORT tevTargets NAMESPACE tev:: DESTINATION ${package_folder} COMPONEN
 install(FILES ${PROJECT_BINARY_DIR}/tevConfig.cmake ${PROJECT_BINARY_DIR}/tevConfigVersion.cmake
     DESTINATION ${package_folder} COMPONENT development)
 
-# What goes with the agent: its manual, the completion of its words, pages to read, and a node to try it on.
+# What goes with the agent: its manual, and the completion of its words.
 tev_add_page(packaging/tev-agent.1.in tev-agent.1)
 install(FILES ${PROJECT_BINARY_DIR}/tev-agent.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT agent)
 install(FILES packaging/tev-agent.bash DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions
     RENAME tev-agent COMPONENT agent)
-install(FILES
-    docs/configuration.md docs/managed-objects.md docs/model-files.md docs/operator-guide.md docs/sftp.md docs/tev-agent.md
-    docs/tev-agent.schema.json
-    DESTINATION ${documentation}/tev-agent COMPONENT agent)
-install(DIRECTORY examples/node DESTINATION ${documentation}/tev-agent/examples COMPONENT agent)
-install(FILES docs/abi-contract.md DESTINATION ${documentation}/libtev-dev COMPONENT development)
+
+# Pages refer to each other, so whoever operates a node and whoever writes a component get all of them, and the examples.
+foreach(reader IN ITEMS "agent tev-agent" "development libtev-dev")
+    separate_arguments(reader)
+    list(POP_FRONT reader component package)
+    install(FILES
+        docs/abi-contract.md docs/architecture.md docs/configuration.md docs/managed-objects.md docs/model-files.md
+        docs/operator-guide.md docs/sftp.md docs/tev-agent.md docs/tev-agent.schema.json docs/writing-a-component.md
+        DESTINATION ${documentation}/${package} COMPONENT ${component})
+    install(DIRECTORY examples DESTINATION ${documentation}/${package} COMPONENT ${component})
+endforeach()

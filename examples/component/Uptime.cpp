@@ -178,11 +178,11 @@ TevReturnT join(unsigned long txHandle) {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     portal = static_cast<DalPortal_3*>(accessor->getPortal("3"));
     return portal == nullptr ? TevReturnFailure : portal->registerComponent(&component);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     portal->unregisterComponent(&component);
 }

@@ -16,46 +16,34 @@
 #include "SchemaMoImpl.h"
 #include "TevReturnT.h"
 
-/// What the library exports, all with C linkage. They let exceptions through: the host catches them.
+/// What the library exports beside `dalLCMinit` and `dalLCMterminate`, all with C linkage. They let exceptions through:
+/// the host catches them.
 extern "C" {
 
-#define TEV_ENTRY_POINT __attribute__((visibility("default")))
-
-/// Registers the component with the portal that `accessor` gives and reads the configuration file at the path
-/// `configuration`, which may be null. Returns 0; -1 without a portal; the portal's code when it refuses.
-/// [lifecycle]
-TEV_ENTRY_POINT TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration);
-
-/// Takes the component off the portal.
-/// [lifecycle]
-TEV_ENTRY_POINT void dalLCMterminate();
-
 // The operations of DalOamSpiTransactionalResource and DalOamSpiManagedObject; their contracts stand with the tables.
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_join_if(unsigned long txHandle);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_prepare_if(unsigned long txHandle);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_commit_if(unsigned long txHandle);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_abort_if(unsigned long txHandle);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_finish_if(unsigned long txHandle);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_validate_if(unsigned long txHandle, bool* result);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_join_if(unsigned long txHandle);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_prepare_if(unsigned long txHandle);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_commit_if(unsigned long txHandle);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_abort_if(unsigned long txHandle);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_finish_if(unsigned long txHandle);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_validate_if(unsigned long txHandle, bool* result);
 
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_setMoAttribute_if(unsigned long txHandle, const char* dn,
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_setMoAttribute_if(unsigned long txHandle, const char* dn,
                                                                  const char* attributeName,
                                                                  DalMoAttributeValueContainer* value);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_getMoAttribute_if(unsigned long txHandle, const char* dn,
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_getMoAttribute_if(unsigned long txHandle, const char* dn,
                                                                  const char* attributeName,
                                                                  DalMoAttributeValueContainer** result);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_newMoIterator_if(unsigned long txHandle, const char* parentDn,
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_newMoIterator_if(unsigned long txHandle, const char* parentDn,
                                                                 const char* className, void** iterator);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_nextMo_if(void* iterator, char** result);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_createMo_if(unsigned long txHandle, const char* parentDn,
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_nextMo_if(void* iterator, char** result);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_createMo_if(unsigned long txHandle, const char* parentDn,
                                                            const char* className, const char* keyName,
                                                            DalMoAttributeValueContainer* keyValue);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_deleteMo_if(unsigned long txHandle, const char* dn);
-TEV_ENTRY_POINT TevReturnT _tevSchemaPopulator_action_if(unsigned long txHandle, const char* dn, const char* actionName,
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_deleteMo_if(unsigned long txHandle, const char* dn);
+DAL_ENTRY_POINT TevReturnT _tevSchemaPopulator_action_if(unsigned long txHandle, const char* dn, const char* actionName,
                                                          DalMoAttributeValueContainer** parameters,
                                                          DalMoAttributeValueContainer** result);
-
-#undef TEV_ENTRY_POINT
 }
 
 namespace TevSchemaPopulator {

@@ -176,7 +176,8 @@ std::vector<std::string> ConsoleSession::differencesFrom(const std::string& page
     setting.environment = {{"HOME", notes.path() / "home"},
                            {"LC_ALL", "C.UTF-8"},
                            {"PATH", TEV_BUILD "/bin:/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin"},
-                           {"TEV_STATE_DIR", notes.path() / "state"}};
+                           {"TEV_STATE_DIR", notes.path() / "state"},
+                           {"TMPDIR", world.path()}};
     ChildProcess("/bin/bash", arguments, setting).wait();
     std::vector<std::string> differences;
     for (std::size_t i = 0; i < commands.size(); ++i) {

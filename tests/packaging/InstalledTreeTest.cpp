@@ -1,11 +1,13 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <regex>
 #include <string>
 #include <vector>
 
 #include "ChildProcess.h"
 #include "CommandOutput.h"
+#include "FileText.h"
 #include "TempFolder.h"
 
 // What is installed has to work where it is, without the tree that it was built in.
@@ -84,6 +86,38 @@ TEST_F(InstalledTreeTest, takesNoLibraryFromTheFolderThatItIsCalledIn) {
     setting.workingFolder = folder.path();
     const Outcome outcome = run(program, {"--node", node, "list"}, setting);
     EXPECT_EQ(outcome.code, 0) << outcome.err;
+}
+
+// A page once referred to others that were not installed beside it.
+TEST_F(InstalledTreeTest, itsPagesReferOnlyToWhatIsThere) {
+    install();
+    const std::regex link("\\]\\(([^)#:]+)(?:#[^)]*)?\\)");
+    unsigned int links = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(prefix / "share/doc")) {
+        if (entry.path().extension() == ".md") {
+            const std::string page = contents(entry.path());
+            for (std::sregex_iterator match(page.begin(), page.end(), link), end; match != end; ++match, ++links) {
+                const std::filesystem::path target = entry.path().parent_path() / (*match)[1].str();
+                EXPECT_TRUE(std::filesystem::exists(target)) << entry.path() << " refers to " << target;
+            }
+        }
+    }
+    EXPECT_GT(links, 30U);
+}
+
+TEST_F(InstalledTreeTest, bothReadersGetTheExampleOfAComponentAndThePageThatWalksThroughIt) {
+    install();
+    for (const std::string package : {"tev-agent", "libtev-dev"}) {
+        EXPECT_TRUE(std::filesystem::exists(prefix / "share/doc" / package / "writing-a-component.md")) << package;
+        EXPECT_TRUE(std::filesystem::exists(prefix / "share/doc" / package / "examples/component/Uptime.cpp"))
+            << package;
+    }
+}
+
+TEST_F(InstalledTreeTest, hasNoHeaderThatIsForTheSourceTreeAlone) {
+    install();
+    EXPECT_TRUE(std::filesystem::exists(prefix / "include/tev/LoggingWrapper.h"));
+    EXPECT_FALSE(std::filesystem::exists(prefix / "include/tev/AnnotatedMutex.h"));
 }
 
 TEST_F(InstalledTreeTest, mayBePutElsewhereAsAWhole) {

@@ -40,6 +40,21 @@ typedef struct DalPortal_3 {
     TevReturnT (*unregisterComponent)(DalMgmtSpiComponent_2* component);
 } DalPortal_3;
 
+/// Marks what the library of a component exports, also where it is built with hidden visibility.
+#define DAL_ENTRY_POINT __attribute__((visibility("default")))
+
+// The two entry points, which the library of a component defines and the host looks up by name once it has loaded it.
+// An exception may leave them, as it may leave every entry of a component's tables: the host takes it as a failure.
+
+/// Registers the component with the portal that `accessor` gives. `configuration` is a path, borrowed until the call
+/// returns, or null for none. Returns 0; any other code is why it cannot be used, and no `dalLCMterminate` follows.
+/// [lifecycle]
+DAL_ENTRY_POINT TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration);
+
+/// Takes the component off the portal, after the last `stop`. The library may be unloaded when it has returned.
+/// [lifecycle]
+DAL_ENTRY_POINT void dalLCMterminate(void);
+
 #ifdef __cplusplus
 }
 #endif

@@ -3,8 +3,6 @@
 
 #include "GoodComponent.h"
 
-#define TEV_ENTRY_POINT extern "C" __attribute__((visibility("default")))
-
 /// What is wrong with this component: each source file's own.
 static void damage(GoodComponent& good);
 
@@ -14,12 +12,12 @@ static void damage(GoodComponent& good);
 
 static GoodComponent good(COMPONENT_NAME);
 
-TEV_ENTRY_POINT TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     damage(good);
     return good.registerWith(accessor);
 }
 
-TEV_ENTRY_POINT void dalLCMterminate() {
+void dalLCMterminate() {
     good.unregister();
 }
 

@@ -11,7 +11,7 @@ static TevReturnT say(const char* text) {
     return TevReturnOk;
 }
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     good.objects.newMoIterator = [](unsigned long, const char*, const char*, void**) { return say("listing"); };
     good.objects.nextMo = [](void*, char** result) {
         static char key[] = "again";
@@ -24,7 +24,7 @@ extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPorta
     return good.registerWith(accessor);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     say("terminate");
     good.unregister();
 }

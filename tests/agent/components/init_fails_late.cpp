@@ -3,9 +3,9 @@
 
 static GoodComponent good;
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     good.registerWith(accessor);
     return -17;
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {}
+void dalLCMterminate() {}

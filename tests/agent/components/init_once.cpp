@@ -4,7 +4,7 @@
 static GoodComponent good;
 static bool isInitialized = false;
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     if (isInitialized) {
         return -17;
     }
@@ -12,6 +12,6 @@ extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPorta
     return good.registerWith(accessor);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     good.unregister();
 }

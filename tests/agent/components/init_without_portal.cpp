@@ -3,10 +3,10 @@
 
 static GoodComponent good;
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     return accessor->getPortal("3") == nullptr ? TevReturnT{TevReturnOk} : good.registerWith(accessor);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     good.unregister();
 }

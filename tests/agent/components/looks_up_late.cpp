@@ -6,11 +6,11 @@
 
 static GoodComponent good("EarlyService");
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     return good.registerWith(accessor);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     const auto* const table = good.find<DalOamSpiManagedObject_1>("TevSchemaMoService", "DalOamSpiManagedObject", "1");
     std::puts(table == nullptr ? "not found" : "found");
     std::fflush(stdout);

@@ -1,4 +1,4 @@
 // Lacks the entry point dalLCMinit.
-__attribute__((visibility("default"))) void dalLCMterminate(void);
+#include "DalPortal.h"
 
 void dalLCMterminate(void) {}

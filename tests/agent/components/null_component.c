@@ -3,9 +3,6 @@
 
 #include "DalPortal.h"
 
-__attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration);
-__attribute__((visibility("default"))) void dalLCMterminate(void);
-
 TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration) {
     DalPortal_3* const portal = accessor->getPortal("3");
     (void)configuration;

@@ -6,7 +6,7 @@
 static GoodComponent good;
 static bool isFirst = false;
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char*) {
     if (!isFirst && std::getenv("COMPONENT_HAS_LIVED") != nullptr) {
         return -17;
     }
@@ -15,6 +15,6 @@ extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPorta
     return good.registerWith(accessor);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     good.unregister();
 }

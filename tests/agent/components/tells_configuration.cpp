@@ -6,8 +6,7 @@
 
 static GoodComponent good;
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor,
-                                                                        const char* configuration) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration) {
     const char* const folder = std::getenv("TEV_CONFIG_DIR");
     std::printf("configuration %s, folder %s\n", configuration == nullptr ? "none" : configuration,
                 folder == nullptr ? "none" : folder);
@@ -15,6 +14,6 @@ extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPorta
     return good.registerWith(accessor);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     good.unregister();
 }

@@ -15,11 +15,10 @@ public:
     void terminate() {}
 };
 
-extern "C" __attribute__((visibility("default"))) TevReturnT dalLCMinit(DalPortalAccessor* accessor,
-                                                                        const char* configuration) {
+TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration) {
     return Greeter::instance().registerComponent(accessor, configuration);
 }
 
-extern "C" __attribute__((visibility("default"))) void dalLCMterminate() {
+void dalLCMterminate() {
     Greeter::instance().unregisterComponent();
 }

@@ -11,9 +11,6 @@
 #include <TevReturnT.h>
 #include <stdio.h>
 
-TevReturnT dalLCMinit(DalPortalAccessor* accessor, const char* configuration);
-void dalLCMterminate(void);
-
 static DalMgmtSpiInterface_1* none[1];
 
 static TevReturnT start(DalStateChangeReason reason) {
