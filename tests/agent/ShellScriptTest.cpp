@@ -225,7 +225,9 @@ TEST_F(ShellScriptTest, anInterruptEndsAScript) {
 }
 
 TEST_F(ShellScriptTest, anInterruptEndsACheckInGoodOrderWhicheverOfTheProgramsItIsSentTo) {
-    for (const bool isForTheGroup : {false, true}) {
+    // Often, for it is up to chance whether a second signal, were there one, would come before the check has ended.
+    for (int i = 0; i < 10; ++i) {
+        const bool isForTheGroup = i > 0;
         Pipe script(0);
         const Pipe results(0);
         AgentProcess::Setting setting;
