@@ -6,6 +6,7 @@ void damage(GoodComponent& component) {
                                          void** iterator) {
         const TevReturnT code = GoodComponent::newMoIterator(txHandle, parent, className, iterator);
         if (code == TevReturnOk) {
+            const std::lock_guard<std::mutex> lock(GoodComponent::current->mutex);
             for (auto& [handle, other] : GoodComponent::current->iterators) {
                 other.next = other.txHandle == txHandle ? 0 : other.next;
             }
