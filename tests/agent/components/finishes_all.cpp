@@ -18,9 +18,12 @@ void damage(GoodComponent& component) {
         const std::lock_guard<std::mutex> lock(GoodComponent::current->mutex);
         joined.erase(txHandle);
         for (auto& [other, memory] : GoodComponent::current->memories) {
+            if (joined[other] != std::this_thread::get_id()) {
+                continue;
+            }
             // Overwritten, not released, so that it is no matter of luck what a reader finds there.
             for (std::string& text : memory.texts) {
-                text.front() = joined[other] == std::this_thread::get_id() ? '?' : text.front();
+                text.front() = '?';
             }
         }
         return code;
