@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <set>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -91,6 +92,12 @@ SftpServer::SftpServer(const Setting& setting)
       passwordText(setting.password) {
     std::filesystem::permissions(tempFolder.path(), std::filesystem::perms(0755));
     start(setting);
+    // A test's clients remember which host key they saw on a port: unless one is asked for, no port comes twice.
+    static std::set<std::string> usedPorts;
+    while (!usedPorts.insert(portText).second && setting.port.empty()) {
+        stop();
+        start(setting);
+    }
 }
 
 SftpServer::~SftpServer() {
