@@ -1,13 +1,12 @@
 #include "CheckHost.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <utility>
 
 #include "Failure.h"
+#include "Loader.h"
 #include "Portal.h"
 #include "SchemaClass.h"
 #include "TevException.h"
@@ -70,16 +69,6 @@ ObjectStore storeOf(const std::string& file) {
     }
 }
 
-/// What the loader says of its last failure.
-std::string loaderError() {
-    const char* const text = dlerror();
-    return text == nullptr ? "no reason given" : text;
-}
-
-// What a library runs while it is loaded or unloaded may throw, whatever the loader's functions are declared to.
-void* (*volatile loadLibrary)(const char*, int) = dlopen;
-int (*volatile unloadLibrary)(void*) = dlclose;
-
 const char* textOrNull(const std::string& text) {
     return text.empty() ? nullptr : text.c_str();
 }
@@ -132,20 +121,20 @@ void CheckHost::load() {
         return;
     }
     demand("dlopen", [this] {
-        handle = loadLibrary(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        handle = Loader::load(path);
         return TevReturnOk;
     });
     if (handle == nullptr) {
-        CheckEnd::fail(loaderError());
+        CheckEnd::fail(path + ": " + Loader::lastError(path));
     }
 }
 
 void CheckHost::findEntryPoints() {
     load();
     const auto find = [this](const char* symbol) {
-        void* const address = dlsym(handle, symbol);
+        void* const address = Loader::find(handle, symbol);
         if (address == nullptr) {
-            CheckEnd::fail(loaderError());
+            CheckEnd::fail(Loader::lastError(path));
         }
         return address;
     };
@@ -211,7 +200,7 @@ void CheckHost::unload() {
     }
     // What it left registered would be looked into once it is gone.
     recorder.clear();
-    demand("dlclose", [this] { return unloadLibrary(std::exchange(handle, nullptr)); });
+    demand("dlclose", [this] { return Loader::unload(std::exchange(handle, nullptr)); });
 }
 
 template <class Table>

@@ -1,7 +1,5 @@
 #include "ComponentLibrary.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
@@ -9,6 +7,7 @@
 
 #include "Barrier.h"
 #include "Failure.h"
+#include "Loader.h"
 
 namespace TevAgent {
 
@@ -16,14 +15,6 @@ namespace {
 
 [[noreturn]] void refuse(const std::string& file, const std::string& reason) {
     throw Failure(ExitStatus::NotStarted, "cannot use component library " + file + ": " + reason);
-}
-
-/// What the loader says of its last failure; it usually begins with the path, which the sentence has already.
-std::string loaderError(const std::string& file) {
-    const char* const text = dlerror();
-    const std::string reason = text == nullptr ? "no reason given" : text;
-    const std::string prefix = file + ": ";
-    return reason.compare(0, prefix.size(), prefix) == 0 ? reason.substr(prefix.size()) : reason;
 }
 
 /// Absolute, because the loader searches elsewhere for a name without a slash; ".." stays, because it may follow a
@@ -37,20 +28,15 @@ std::string absolutePath(const std::string& file) {
     return path;
 }
 
-// The loader's functions are declared to throw nothing, but what a library runs while it is loaded or unloaded may
-// throw all the same. Through a pointer that can change, the compiler cannot know whom it calls and keeps the barrier.
-void* (*volatile loadLibrary)(const char*, int) = dlopen;
-int (*volatile unloadLibrary)(void*) = dlclose;
-
 void* open(const std::string& file, const std::string& name) {
     Diagnostics::Capture capture;
     void* library = nullptr;
     Barrier::call(name, "dlopen", [&] {
-        library = loadLibrary(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+        library = Loader::load(file);
         return TevReturnOk;
     });
     if (library == nullptr) {
-        refuse(file, capture.isEmpty() ? loaderError(file) : capture.takeOr(""));
+        refuse(file, capture.isEmpty() ? Loader::lastError(file) : capture.takeOr(""));
     }
     return library;
 }
@@ -59,7 +45,7 @@ void* open(const std::string& file, const std::string& name) {
 
 ComponentLibrary::Handle::~Handle() {
     Barrier::call(name, "dlclose", [this] {
-        unloadLibrary(value);
+        Loader::unload(value);
         return TevReturnOk;
     });
 }
@@ -105,9 +91,9 @@ void ComponentLibrary::initialize(const char* configuration) {
 template <class Function>
 Function ComponentLibrary::function(const char* symbol) const {
     static_assert(std::is_pointer_v<Function> && std::is_function_v<std::remove_pointer_t<Function>>);
-    void* const address = dlsym(handle.value, symbol);
+    void* const address = Loader::find(handle.value, symbol);
     if (address == nullptr) {
-        refuse(file, loaderError(file));
+        refuse(file, Loader::lastError(file));
     }
     return reinterpret_cast<Function>(address);
 }

@@ -1,7 +1,5 @@
 #include "ItemProcess.h"
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -19,62 +17,32 @@
 #include "Failure.h"
 #include "Interruption.h"
 #include "JsonText.h"
+#include "OwnProgram.h"
 #include "TemporaryFile.h"
 
 namespace TevAgent {
 
 namespace {
 
-/// How a process is started: a group of its own, so that it can be ended with all that it started, and descriptors of
-/// ours in place of its own.
-class SpawnSettings {
-public:
-    SpawnSettings(const TemporaryFile& out, const TemporaryFile& err) {
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions, out.descriptor(), STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, err.descriptor(), STDERR_FILENO);
-        posix_spawnattr_init(&attributes);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
-    }
-
-    ~SpawnSettings() {
-        posix_spawnattr_destroy(&attributes);
-        posix_spawn_file_actions_destroy(&actions);
-    }
-
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
-
-    posix_spawn_file_actions_t actions{};
-    posix_spawnattr_t attributes{};
-};
-
-/// A run of this program; killed at the object's end if it still goes on, with all that it started.
+/// A run of this program in a process group of its own, so that it can be ended with all that it started, which is
+/// done at the object's end at the latest.
 class Run {
 public:
-    Run(std::vector<std::string> arguments, const TemporaryFile& out, const TemporaryFile& err) {
-        const SpawnSettings settings(out, err);
-        std::vector<char*> words;
-        words.reserve(arguments.size() + 1);
-        for (std::string& argument : arguments) {
-            words.push_back(argument.data());
-        }
-        words.push_back(nullptr);
-        const int error =
-            posix_spawn(&pid, "/proc/self/exe", &settings.actions, &settings.attributes, words.data(), environ);
-        // Not by the C library's function, which its header does not declare for C++.
-        descriptor = error == 0 ? static_cast<int>(syscall(SYS_pidfd_open, pid, 0)) : -1;
-        if (error != 0) {
+    Run(const std::vector<std::string>& arguments, const TemporaryFile& out, const TemporaryFile& err)
+        : process(OwnProgram::start(arguments, {out.descriptor(), err.descriptor(), true})),
+          // Not by the C library's function, which its header does not declare for C++.
+          descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {
+        if (descriptor == -1) {
+            const int error = errno;
+            end();
             throw Failure(ExitStatus::OperationFailed,
-                          "cannot start a process to check in: " + std::generic_category().message(error));
+                          "the check cannot be watched: " + std::generic_category().message(error));
         }
     }
 
     ~Run() {
-        kill(-pid, SIGKILL);
         if (!isReaped) {
-            waitpid(pid, nullptr, 0);
+            end();
         }
         close(descriptor);
     }
@@ -84,18 +52,22 @@ public:
 
     /// How it ended, as `waitpid` tells; nothing when it goes on beyond the limit.
     std::optional<int> wait(std::chrono::seconds limit) {
-        if (!Interruption::waitForInput(descriptor, std::chrono::steady_clock::now() + limit)) {
-            return std::nullopt;
-        }
+        const bool hasEnded = Interruption::waitForInput(descriptor, std::chrono::steady_clock::now() + limit);
+        return hasEnded ? std::optional(end()) : std::nullopt;
+    }
+
+private:
+    /// The group goes first: its number is nobody else's only as long as its leader is not waited for.
+    int end() {
+        kill(-process, SIGKILL);
         int status = 0;
-        waitpid(pid, &status, 0);
+        waitpid(process, &status, 0);
         isReaped = true;
         return status;
     }
 
-private:
-    pid_t pid = -1;
-    int descriptor = -1;
+    const pid_t process;
+    const int descriptor;
     bool isReaped = false;
 };
 
@@ -131,8 +103,7 @@ ItemProcess::ItemProcess(std::vector<std::string> commandLine, std::chrono::seco
 CheckResult ItemProcess::attempt(const CheckItem& item) const {
     using Outcome = CheckResult::Outcome;
     Interruption::check();
-    std::vector<std::string> words = {"tev-agent"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<std::string> words = arguments;
     words.insert(words.end(), {"--only", item.id});
     const TemporaryFile out;
     const TemporaryFile err;
