@@ -5,6 +5,7 @@
 #include <Poco/JSON/Parser.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <fstream>
@@ -254,6 +255,20 @@ TEST(CheckTest, anInterruptEndsTheCheckAndItsProcess) {
     EXPECT_EQ(outcome.status, 130);
     EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
     EXPECT_EQ(kill(child, 0), -1);
+}
+
+TEST(CheckTest, anItemThatCrashesLeavesNoCoreFile) {
+    rlimit limit{};
+    getrlimit(RLIMIT_CORE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    ASSERT_EQ(setrlimit(RLIMIT_CORE, &limit), 0);
+    AgentProcess agent({"check", library("endless_start"), "--time-limit", "600", "--only", "lifecycle.start"});
+    const pid_t child = childOf(agent);
+    ASSERT_GT(child, 0);
+    ASSERT_EQ(prlimit(child, RLIMIT_CORE, nullptr, &limit), 0);
+    agent.send(SIGINT);
+    EXPECT_EQ(agent.outcome().status, 130);
+    EXPECT_EQ(limit.rlim_cur, 0U);
 }
 
 // One fault each
