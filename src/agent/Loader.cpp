@@ -7,7 +7,8 @@ namespace TevAgent {
 namespace {
 
 // The loader's functions are declared to throw nothing, but what a library runs while it is loaded or unloaded may
-// throw all the same. Through a pointer that can change, the compiler cannot know whom it calls, and keeps the way open.
+// throw all the same. Through a pointer that can change, the compiler cannot know whom it calls, and keeps the way
+// open.
 void* (*volatile loadLibrary)(const char*, int) = dlopen;
 int (*volatile unloadLibrary)(void*) = dlclose;
 

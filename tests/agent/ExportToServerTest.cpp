@@ -150,7 +150,7 @@ TEST_F(ExportToServerTest, aModelThatFailsDoesNotStopTheOthers) {
     EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 14);
 }
 
-TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothing) {
+TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothingOrNamesIt) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         TcpProxy proxy("127.0.0.1", server.port());
         proxy.slowDownTo(halfWay);
@@ -161,8 +161,13 @@ TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothing) {
         agent.send(signal);
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
-        EXPECT_EQ(outcome.err, "tev-agent: cannot export PerformanceModel: SFTP error: the transfer was interrupted\n");
-        EXPECT_THAT(server.names(), IsEmpty());
+        EXPECT_THAT(outcome.err,
+                    StartsWith("tev-agent: cannot export PerformanceModel: SFTP error: the transfer was interrupted"));
+        // A machine may be too slow to remove it within the second that there is for that.
+        for (const std::string& left : server.names()) {
+            EXPECT_THAT(outcome.err, EndsWith("/" + left + " may be left on the server\n"));
+            std::filesystem::remove(server.folder() / left);
+        }
         EXPECT_FALSE(hasClient(proxy.port()));
     }
 }
