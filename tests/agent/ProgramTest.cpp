@@ -446,6 +446,17 @@ TEST_F(ProgramTest, furtherRoutesStandInTheObjectsFile) {
     EXPECT_THAT(outcome.out, testing::MatchesRegex("seconds\n[0-9]+\n"));
 }
 
+// It answered for whatever stood below an instance.
+TEST_F(ProgramTest, theExampleOfAComponentHasNothingBelowItsInstance) {
+    const std::string objects = std::string(TEV_EXAMPLE_NODE) + "/../component/managed-objects.xml";
+    for (const char* const below : {"Uptime=1,Other=1", "Uptime=1,Uptime=1", "Uptime=0,Other=1"}) {
+        const AgentOutcome outcome = AgentProcess::run({"--objects", objects, "--component", TEV_EXAMPLE_COMPONENT,
+                                                        "get", std::string("ManagedElement=1,") + below, "seconds"});
+        EXPECT_EQ(outcome.status, 1) << below;
+        EXPECT_EQ(outcome.out, "");
+    }
+}
+
 TEST_F(ProgramTest, aRouteToAComponentThatIsNotThereNamesIt) {
     node.writeObjects(R"(<managedObjects>
         <route class="Licence" parent="ManagedElement" component="LicenceService"/>
