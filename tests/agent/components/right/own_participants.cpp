@@ -22,7 +22,7 @@ void damage(GoodComponent& component) {
         }
         finished.clear();
         auto* const service = GoodComponent::current->find<DalOamSpiTransaction_2>("DalOamSpiTransactionService",
-                                                                                  "DalOamSpiTransaction", "2");
+                                                                                   "DalOamSpiTransaction", "2");
         return service->registerParticipant(
             txHandle, &participants.emplace(txHandle, GoodComponent::current->resource).first->second);
     };
