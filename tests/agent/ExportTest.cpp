@@ -440,6 +440,30 @@ TEST_F(ExportTest, resultsThatCannotBeWrittenKeepNoModelFromBeingExported) {
     close(setting.out);
 }
 
+TEST_F(ExportTest, aReaderWhoHasGoneAwayKeepsNoModelFromBeingExported) {
+    Pipe unread(0);
+    unread.closeReading();
+    AgentProcess::Setting setting;
+    setting.out = unread.writing();
+    for (const std::string format : {"table", "json"}) {
+        const std::vector<std::string> words = {"--all", "--jobs",          "2",          "--output",
+                                                format,  "--password-file", passwordFile, ""};
+        const auto exportTo = [&](const std::string& component, const std::string& uri) {
+            std::vector<std::string> all = words;
+            all.back() = uri;
+            return AgentProcess::run(arguments(component, all), setting);
+        };
+        const AgentOutcome well = exportTo("exports_as_told", "sftp://h/p/");
+        EXPECT_EQ(well.status, 141);
+        EXPECT_THAT(well.err, AllOf(HasSubstr(called(TestNode::schemaDn("one"), "sftp://h/p/", "secret")),
+                                    HasSubstr(called(TestNode::schemaDn("two"), "sftp://h/p/", "secret")),
+                                    Not(HasSubstr("tev-agent"))));
+        const AgentOutcome badly = exportTo("exports_in_company", "sftp://h/p/");
+        EXPECT_EQ(badly.status, 1);
+        EXPECT_EQ(badly.err, "tev-agent: not every model was exported, and nobody reads which\n");
+    }
+}
+
 TEST_F(ExportTest, aVersionThatCannotBeReadKeepsNoModelFromBeingExported) {
     const std::string sentence = "tev-agent: there are several versions of one\n";
     const AgentOutcome every = run("exports_unreadable", {"--all", "sftp://h/p"});

@@ -9,6 +9,7 @@
 
 #include "AgentProcess.h"
 #include "FileText.h"
+#include "Pipe.h"
 #include "Terminal.h"
 #include "TestNode.h"
 
@@ -251,6 +252,22 @@ TEST_F(ShellTest, rememberedLinesAreThereInTheNextShell) {
     Session second = start();
     second.type("\x1b[A\n", version);
     EXPECT_EQ(second.end(), 0);
+}
+
+TEST_F(ShellTest, endsWhenNobodyReadsTheResultsAnyMore) {
+    Pipe unread(0);
+    unread.closeReading();
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.environment = {{"TERM", "xterm"}, {"TEV_STATE_DIR", state}};
+    setting.in = setting.err = terminal.descriptor();
+    setting.out = unread.writing();
+    setting.terminal = terminal.path();
+    AgentProcess agent({"--node", node.path(), "shell"}, setting);
+    terminal.take(prompt);
+    terminal.type("list\n");
+    EXPECT_EQ(agent.outcome().status, 141);
+    EXPECT_THAT(terminal.shown(), AllOf(Not(HasSubstr("tev-agent")), Not(HasSubstr(prompt))));
 }
 
 TEST_F(ShellTest, aHistoryThatCannotBeKeptIsSaidAndNoFailure) {
