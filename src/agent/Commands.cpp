@@ -12,6 +12,7 @@
 
 #include "ComponentCheck.h"
 #include "Diagnostics.h"
+#include "ExportUri.h"
 #include "Failure.h"
 #include "Interruption.h"
 #include "ItemProcess.h"
@@ -114,11 +115,19 @@ void sayChosen(const ObjectReader& reader, const std::string& parentDn, std::map
     sayRepeated(repeated, "chosen");
 }
 
-Password passwordFrom(const Settings& settings) {
+/// The password for an export of `dn`. Nobody is asked for one that the component would not use.
+Password passwordFrom(const Settings& settings, const std::string& dn) {
     if (settings.isPasswordFromInput) {
         return Password::fromInput();
     }
-    return settings.passwordFile.empty() ? Password::ask() : Password::fromFile(settings.passwordFile);
+    if (!settings.passwordFile.empty()) {
+        return Password::fromFile(settings.passwordFile);
+    }
+    const ExportUri uri(settings.uri);
+    if (SchemaClass::isClassOf(dn) && !uri.isSftp()) {
+        throw Failure(ExitStatus::WrongUsage, "models are sent to sftp://USER@HOST[:PORT]/PATH only; correct the URI");
+    }
+    return Password::ask(uri.account());
 }
 
 }  // namespace
@@ -192,7 +201,7 @@ ExitStatus Commands::get(Agent& agent) {
 
 ExitStatus Commands::exportOne(Agent& agent) {
     const ExportRun::Export wanted = namedExport(agent);
-    const Password password = passwordFrom(settings);
+    const Password password = passwordFrom(settings, wanted.dn);
     const auto tell = [](const ExportResult&) {};
     const ExportResult result = ExportRun(agent, settings.uri, password).run({wanted}, 1, tell).front();
     if (!result.isExported) {
@@ -236,7 +245,7 @@ ExitStatus Commands::exportEvery(Agent& agent) {
         output.write(isTable ? "" : JsonText::of(std::vector<ExportResult>()));
         return ExitStatus::Done;
     }
-    const Password password = passwordFrom(settings);
+    const Password password = passwordFrom(settings, wanted.front().dn);
     std::optional<Failure> lost;
     const auto write = [&](const std::string& text) {
         try {

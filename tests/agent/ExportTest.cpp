@@ -188,6 +188,56 @@ TEST_F(ExportTest, asksForThePasswordOnTheTerminalWithoutEcho) {
     EXPECT_TRUE(terminal.hasEcho());
 }
 
+TEST_F(ExportTest, saysWhosePasswordIsAskedFor) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://te\x1bster:x@h:22/p"}), setting);
+    terminal.waitFor("Password of te\\x1bster@h: ");
+    terminal.type("typed\n");
+    EXPECT_EQ(agent.outcome().status, 0);
+}
+
+TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAUriThatIsNotForSftp) {
+    for (const std::string uri : {"ftp://u@h/p", "/p", "sftp://u@h:port/p"}) {
+        for (const std::vector<std::string>& words :
+             {std::vector<std::string>{"Plain", uri}, {"--all", uri}, {TestNode::schemaDn("Plain"), uri}}) {
+            std::vector<std::string> command = {"--node", node.path(), "export"};
+            command.insert(command.end(), words.begin(), words.end());
+            Terminal terminal;
+            AgentProcess::Setting setting;
+            setting.terminal = terminal.path();
+            const AgentOutcome outcome = AgentProcess::run(command, setting);
+            EXPECT_EQ(outcome.status, 2);
+            EXPECT_EQ(outcome.err,
+                      "tev-agent: models are sent to sftp://USER@HOST[:PORT]/PATH only; correct the URI\n");
+            EXPECT_EQ(terminal.shown(), "");
+        }
+    }
+}
+
+TEST_F(ExportTest, aUriThatIsNotForSftpIsTheComponentsToJudgeWhereNobodyIsAsked) {
+    EXPECT_THAT(run("exports_as_told", {"one", "ftp://u@h/p"}).err, EndsWith("secret)\n" + success));
+    const AgentOutcome outcome =
+        AgentProcess::run({"--node", node.path(), "export", "Plain", "ftp://u@h/p", "--password-file", passwordFile});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, StartsWith("tev-agent: cannot export Plain: Unsupported URI schema: ftp. "));
+}
+
+TEST_F(ExportTest, anObjectOfAnotherClassMayGoElsewhere) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"ManagedElement=1,Licence=two", "ftp://u@h/p"}), setting);
+    terminal.waitFor("Password of u@h: ");
+    terminal.type("typed\n");
+    EXPECT_EQ(agent.outcome().status, 0);
+}
+
 TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoBack) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Terminal terminal;

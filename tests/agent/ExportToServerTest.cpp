@@ -120,10 +120,11 @@ TEST_F(ExportToServerTest, takesThePasswordThatIsTypedOnTheTerminal) {
     Terminal terminal;
     setting.terminal = terminal.path();
     AgentProcess agent(arguments({"TransportModel", uri("copy.xml")}), setting);
-    terminal.waitFor("Password: ");
+    const std::string question = "Password of " + server.user() + "@127.0.0.1: ";
+    terminal.waitFor(question);
     terminal.type(server.password() + "\n");
     EXPECT_EQ(agent.outcome().status, 0);
-    EXPECT_EQ(terminal.shown(), "Password: \r\n");
+    EXPECT_EQ(terminal.shown(), question + "\r\n");
     EXPECT_EQ(contents(server.folder() / "copy.xml"), contents(models / "TransportModel.xml"));
 }
 
