@@ -257,7 +257,7 @@ ExitStatus Commands::exportEvery(Agent& agent) {
     };
     const auto tell = [&](const ExportResult& result) { write(isTable ? TableText::of(result, output.screen()) : ""); };
     const std::vector<ExportResult> results = ExportRun(agent, settings.uri, password).run(wanted, settings.jobs, tell);
-    write(isTable ? "" : JsonText::of(results));
+    write(isTable ? TableText::summaryOf(results) : JsonText::of(results));
     const auto isExported = [](const ExportResult& result) { return result.isExported; };
     const bool isDone = std::all_of(results.begin(), results.end(), isExported);
     if (lost && (isDone || lost->status() != ExitStatus::ReaderGone)) {

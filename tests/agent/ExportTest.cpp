@@ -352,7 +352,8 @@ TEST_F(ExportTest, exportsEveryModelSeveralAtATimeWithOneLineEach) {
     const AgentOutcome outcome = run("exports_in_company", {"--all", "--jobs", "2", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 6);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 7);
+    EXPECT_THAT(outcome.out, EndsWith("\n5 of 6 exported\n"));
     for (const std::string id : {"0", "1", "2", "3", "4", "5"}) {
         EXPECT_THAT(outcome.out, HasSubstr(id + (id == "2" ? ": failed" : ": exported") + ": two at a time for " +
                                            TestNode::schemaDn(id) + "\n"));
@@ -362,7 +363,9 @@ TEST_F(ExportTest, exportsEveryModelSeveralAtATimeWithOneLineEach) {
 TEST_F(ExportTest, exportsEveryModelToTheFolderThatTheUriNames) {
     const AgentOutcome outcome = run("exports_as_told", {"--all", "--jobs", "1", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.out, "one: exported: File transfer successful\ntwo: exported: File transfer successful\n");
+    EXPECT_EQ(outcome.out,
+              "one: exported: File transfer successful\ntwo: exported: File transfer successful\n"
+              "2 of 2 exported\n");
     EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p/", "secret") +
                                called(TestNode::schemaDn("two"), "sftp://h/p/", "secret"));
 }
@@ -471,7 +474,8 @@ TEST_F(ExportTest, exportsEveryModelWhereTheSystemGivesFewThreads) {
     EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(outcome.out, HasSubstr("0: exported: in company\n"));
     EXPECT_THAT(outcome.out, HasSubstr("1: exported: in company\n"));
-    EXPECT_THAT(outcome.out, EndsWith("2: exported: by the main thread\n3: exported: by the main thread\n"));
+    EXPECT_THAT(outcome.out,
+                EndsWith("2: exported: by the main thread\n3: exported: by the main thread\n4 of 4 exported\n"));
 }
 
 TEST_F(ExportTest, resultsThatCannotBeWrittenKeepNoModelFromBeingExported) {
@@ -517,7 +521,7 @@ TEST_F(ExportTest, aReaderWhoHasGoneAwayKeepsNoModelFromBeingExported) {
 TEST_F(ExportTest, aVersionThatCannotBeReadKeepsNoModelFromBeingExported) {
     const std::string sentence = "tev-agent: there are several versions of one\n";
     const AgentOutcome every = run("exports_unreadable", {"--all", "sftp://h/p"});
-    EXPECT_EQ(every.out, "one: exported\n");
+    EXPECT_EQ(every.out, "one: exported\n1 of 1 exported\n");
     EXPECT_EQ(every.err, sentence);
     const AgentOutcome one = run("exports_unreadable", {"one", "sftp://h/p"});
     EXPECT_EQ(one.status, 0);

@@ -139,7 +139,7 @@ TEST_F(ExportToServerTest, exportsEveryModelOfTheNode) {
         EXPECT_TRUE(contents(server.folder() / entry.path().filename()) == contents(entry.path())) << entry.path();
     }
     EXPECT_EQ(server.names().size(), count);
-    EXPECT_EQ(static_cast<std::size_t>(std::count(outcome.out.begin(), outcome.out.end(), '\n')), count);
+    EXPECT_EQ(static_cast<std::size_t>(std::count(outcome.out.begin(), outcome.out.end(), '\n')), count + 1);
 }
 
 TEST_F(ExportToServerTest, aModelThatFailsDoesNotStopTheOthers) {
@@ -148,7 +148,8 @@ TEST_F(ExportToServerTest, aModelThatFailsDoesNotStopTheOthers) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.out, AllOf(HasSubstr("TransportModel: failed: SFTP error: "),
                                    HasSubstr("SoftwareModel: exported: File transfer successful\n")));
-    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 14);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 15);
+    EXPECT_THAT(outcome.out, EndsWith("\n13 of 14 exported\n"));
 }
 
 TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothingOrNamesIt) {
@@ -201,6 +202,7 @@ TEST_F(ExportToServerTest, anInterruptStopsEveryModelAndTellsWhichWereNotBegun) 
         EXPECT_EQ(count(outcome.out, "the transfer was interrupted"), 3) << outcome.out;
         EXPECT_EQ(count(outcome.out, "not begun"), 11) << outcome.out;
         EXPECT_EQ(count(outcome.out, format == "table" ? ": failed: " : "\"exported\":false"), 14) << outcome.out;
+        EXPECT_EQ(count(outcome.out, "0 of 14 exported"), format == "table" ? 1 : 0) << outcome.out;
         EXPECT_THAT(server.names(), IsEmpty());
         EXPECT_FALSE(hasClient(proxy.port()));
     }
