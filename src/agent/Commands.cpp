@@ -201,6 +201,9 @@ ExitStatus Commands::get(Agent& agent) {
 
 ExitStatus Commands::exportOne(Agent& agent) {
     const ExportRun::Export wanted = namedExport(agent);
+    if (settings.output == Settings::Output::Json) {
+        return exportAndTell(agent, {wanted});
+    }
     const Password password = passwordFrom(settings, wanted.dn);
     const auto tell = [](const ExportResult&) {};
     const ExportResult result = ExportRun(agent, settings.uri, password).run({wanted}, 1, tell).front();
@@ -239,12 +242,16 @@ ExportRun::Export Commands::namedExport(Agent& agent) const {
 
 ExitStatus Commands::exportEvery(Agent& agent) {
     const std::vector<ExportRun::Export> wanted = everyExport(agent);
-    const bool isTable = settings.output == Settings::Output::Table;
     if (wanted.empty()) {
         Diagnostics::say("there is no model to export; files of models belong into " + settings.models);
-        output.write(isTable ? "" : JsonText::of(std::vector<ExportResult>()));
+        output.write(settings.output == Settings::Output::Table ? "" : JsonText::of(std::vector<ExportResult>()));
         return ExitStatus::Done;
     }
+    return exportAndTell(agent, wanted);
+}
+
+ExitStatus Commands::exportAndTell(Agent& agent, const std::vector<ExportRun::Export>& wanted) {
+    const bool isTable = settings.output == Settings::Output::Table;
     const Password password = passwordFrom(settings, wanted.front().dn);
     std::optional<Failure> lost;
     const auto write = [&](const std::string& text) {

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <fstream>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 #include "AgentProcess.h"
@@ -382,6 +383,19 @@ TEST_F(ExportTest, writesTheResultsOfEveryModelAsJsonInTheirOrder) {
         EXPECT_EQ(one->getValue<bool>("exported"), i != 2);
         EXPECT_EQ(one->getValue<std::string>("message"), "two at a time for " + TestNode::schemaDn(std::to_string(i)));
     }
+}
+
+TEST_F(ExportTest, writesTheResultOfOneModelAsJson) {
+    for (const auto& [uri, status, rest] :
+         {std::tuple("sftp://h/p", 0, R"("exported":true,"message":"File transfer successful")"),
+          std::tuple("sftp://quiet/p", 0, R"("exported":true,"message":"")"),
+          std::tuple("sftp://fails/p", 1, R"("exported":false,"message":"SFTP error: nobody is there")")}) {
+        const AgentOutcome outcome = run("exports_as_told", {"one", uri, "--output=json"});
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.out, std::string("{\"exports\":[\n{\"model\":\"one\",") + rest + "}\n]}\n");
+        EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), uri, "secret"));
+    }
+    EXPECT_EQ(run("exports_as_told", {"one", "http://h/", "--output=json"}).out, "") << "wrong usage has no result";
 }
 
 TEST_F(ExportTest, showsOnATerminalWhatIsUnderWayAndForHowLong) {

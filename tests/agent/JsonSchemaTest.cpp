@@ -94,6 +94,11 @@ TEST_F(JsonSchemaTest, describesExport) {
                                          "--password-file", folder.write("password", "secret\n")});
     EXPECT_THAT(exports, testing::AllOf(testing::HasSubstr("true"), testing::HasSubstr("false")));
     EXPECT_EQ(faultsOf(exports, "export"), "");
+    EXPECT_EQ(faultsOf(written({"export", "1", "sftp://h/p", "--component",
+                                std::string(TEV_HOSTILE_COMPONENTS) + "/exports_as_told.so", "--password-file",
+                                folder.path() / "password"}),
+                       "export"),
+              "");
     EXPECT_NE(faultsWith(exports, "\"exported\":false", "\"exported\":null", "export"), "");
     EXPECT_NE(faultsWith(exports, "\"model\"", "\"more\":\"\",\"model\"", "export"), "");
     EXPECT_NE(faultsWith(exports, "\"message\"", "\"remark\"", "export"), "");
