@@ -312,6 +312,42 @@ TEST_F(ShellTest, completesDnsLevelByLevelAndTheAttributesOfTheObject) {
     EXPECT_EQ(shell.end(), 0);
 }
 
+TEST_F(ShellTest, goesOnBelowADnThatIsWhole) {
+    Session shell = start();
+    shell.type("get Man\t", "agedElement=1");
+    shell.type("\t", ",");
+    shell.type("\t", "\r\nSystemFunctions=1  Transport=1\r\n");
+    shell.terminal.take(prompt);
+    shell.type("T\t\t\t d\t\n", "\r\ndscp\r\n10\r\n" + prompt);
+    EXPECT_EQ(shell.end(), 0);
+}
+
+TEST_F(ShellTest, offersTheSiblingsOfADnThatIsWholeBeforeWhatIsBelowIt) {
+    node.writeObjects(R"(<managedObjects>
+        <mo class="ManagedElement" id="1"><mo class="Transport" id="1"/></mo>
+        <mo class="ManagedElement" id="10"/>
+      </managedObjects>)");
+    Session shell = start();
+    shell.type("get ManagedElement=1\t", "\r\nManagedElement=1   ManagedElement=10\r\n");
+    shell.type("0\t\t", "ManagedElement=10");
+    shell.drop();
+    EXPECT_EQ(shell.end(), 0);
+}
+
+// They were offered where they are taken for options.
+TEST_F(ShellTest, offersNamesThatBeginWithADashBehindTheEndOfTheOptionsOnly) {
+    node.writeModel("4.xml", R"(<mom name="-dash" version="7"/>)");
+    folder.write("-file", "");
+    folder.write("file", "");
+    Session shell = start();
+    shell.type("get \t", "\r\nEquipment         ManagedElement=1  Plain             Transport\r\n");
+    shell.drop();
+    shell.type("get -- -\tversion\n", "\r\nversion\r\n7\r\n" + prompt);
+    shell.type("export --password-file \t", "\r\nfile    state/\r\n");
+    shell.drop();
+    EXPECT_EQ(shell.end(), 0);
+}
+
 TEST_F(ShellTest, completesDnsOfTheObjectsOfOtherComponents) {
     node.writeObjects(R"(<managedObjects>
         <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
@@ -319,7 +355,7 @@ TEST_F(ShellTest, completesDnsOfTheObjectsOfOtherComponents) {
       </managedObjects>)");
     Session shell = start("exports_as_told");
     shell.type("get ManagedElement=1,\t", "Licence=");
-    shell.type("\t", "ManagedElement=1,Licence=two\r\n");
+    shell.type("\t", "Licence=one  Licence=two\r\n");
     shell.drop();
     EXPECT_EQ(shell.end(), 0);
 }
