@@ -30,7 +30,7 @@ _tev_agent() {
         [[ $word != *[=:] ]] || isPiece=yes
     done
 
-    local command= positions=0 node=() option= i
+    local commands=(list get export check shell help) command= positions=0 node=() option= i
     local last=$((${#words[@]} - 1))
     for ((i = 1; i < last; ++i)); do
         case ${words[i]} in
@@ -69,8 +69,8 @@ _tev_agent() {
             export) _tev_agent_offer "$current" --all --jobs --password-stdin --password-file ;;
             check) _tev_agent_offer "$current" --in-process --only --class --parent --attribute --time-limit ;;
         esac
-    elif [ -z "$command" ]; then
-        _tev_agent_offer "$current" list get export check shell
+    elif [[ -z $command || ($command == help && $positions -eq 0) ]]; then
+        _tev_agent_offer "$current" "${commands[@]}"
     elif [[ $command == @(get|export) && $positions -eq 0 && $current != *=* && ! " ${words[*]} " == *" --all "* ]]; then
         local ids
         mapfile -t ids < <(_tev_agent_ids "${words[0]}" "${node[@]}")

@@ -66,7 +66,7 @@ ExitStatus Shell::carryOut(const LineSource::Line& line) {
     if (words.empty()) {
         return ExitStatus::Done;
     }
-    const Settings settings = CommandLine::parseLine(words, session);
+    const Settings settings = CommandLine::parseLine(words, session, output.screen());
     if (!settings.information.empty()) {
         output.write(settings.information);
         return ExitStatus::Done;

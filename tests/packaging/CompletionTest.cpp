@@ -51,6 +51,8 @@ TEST(CompletionTest, offersEveryCommandOfTheHelp) {
     EXPECT_THAT(offered({""}), IsSupersetOf(ProgramWords::commands()));
     EXPECT_THAT(offered({"--node", "n", "ex"}), ElementsAre("export"));
     EXPECT_THAT(offered({"list", ""}), IsEmpty());
+    EXPECT_THAT(offered({"help", ""}), IsSupersetOf(ProgramWords::commands()));
+    EXPECT_THAT(offered({"help", "list", ""}), IsEmpty());
 }
 
 TEST(CompletionTest, offersEveryOptionOfTheHelpBeforeAndBehindTheCommand) {
