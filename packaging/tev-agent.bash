@@ -10,6 +10,26 @@ _tev_agent_offer() {
     done
 }
 
+# Writes what bash makes of a word as it is typed: without its quotes, and with the user's home for ~/. Nothing else is
+# expanded.
+_tev_agent_meant() {
+    local word=$1 meant= quote= i
+    for ((i = 0; i < ${#word}; ++i)); do
+        case $quote${word:i:1} in
+            "'" | '"') quote=${word:i:1} ;;
+            "''" | '""') quote= ;;
+            '\') meant+=${word:$((++i)):1} ;;
+            '"\')
+                [[ ${word:i+1:1} != [\"\\\$\`] ]] || ((++i))
+                meant+=${word:i:1}
+                ;;
+            *) meant+=${word:i:1} ;;
+        esac
+    done
+    [[ $word != "~/"* ]] || meant=$HOME/${meant#"~/"}
+    printf %s "$meant"
+}
+
 # The schema ids of a node, one a line. No component is loaded that the command line names.
 _tev_agent_ids() {
     timeout 5 "$1" "${@:2}" --output json list 2>/dev/null </dev/null |
@@ -36,9 +56,9 @@ _tev_agent() {
         case ${words[i]} in
             --node | --models | --objects)
                 option=${words[i]}
-                ((++i < last)) && node+=("$option" "${words[i]/#\~\//"$HOME/"}") && option=
+                ((++i < last)) && node+=("$option" "$(_tev_agent_meant "${words[i]}")") && option=
                 ;;
-            --node=* | --models=* | --objects=*) node+=("${words[i]}") ;;
+            --node=* | --models=* | --objects=*) node+=("$(_tev_agent_meant "${words[i]}")") ;;
             --component | --config | --log-file | --log-level | --output | --jobs | --password-file | --filter | --only | \
                 --class | --parent | --attribute | --time-limit)
                 option=${words[i]}
