@@ -102,7 +102,7 @@ TEST_F(ExportToServerTest, aWrongPasswordIsToldAndThePasswordIsNot) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.err,
                 AllOf(HasSubstr("\ntev-agent: cannot export TransportModel: SFTP error: the server 127.0.0.1 does not "
-                                "accept the user tester with this password\n"),
+                                "accept the user tester with this password; check both\n"),
                       Not(HasSubstr("shibboleth"))));
     EXPECT_THAT(server.names(), IsEmpty());
 }

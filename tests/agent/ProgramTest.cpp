@@ -576,14 +576,16 @@ TEST_F(ProgramTest, anAgentThatCannotStartIsStatus3) {
 }
 
 TEST_F(ProgramTest, aNodeThatTheFileSystemRefusesIsStatus3) {
-    expectFailure(AgentProcess::run({"--node", "/" + std::string(300, 'x'), "list"}), 3,
-                  HasSubstr("the folder of models cannot be read: File name too long\n"));
+    expectFailure(
+        AgentProcess::run({"--node", "/" + std::string(300, 'x'), "list"}), 3,
+        HasSubstr("the folder of models cannot be read: File name too long; --node or --models names another\n"));
     const TempFolder folder;
     const std::filesystem::path secret = folder.path() / "secret";
     std::filesystem::create_directory(secret);
     std::filesystem::permissions(secret, std::filesystem::perms::none);
     expectFailure(AgentProcess::run({"--node", secret, "list"}, unprivileged()), 3,
-                  HasSubstr(secret.string() + "/models: the folder of models cannot be read: Permission denied\n"));
+                  HasSubstr(secret.string() + "/models: the folder of models cannot be read: Permission denied; "
+                                              "--node or --models names another\n"));
 }
 
 TEST_F(ProgramTest, aBadObjectsFileIsStatus3WithFileLineAndReason) {
