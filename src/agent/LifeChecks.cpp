@@ -14,6 +14,7 @@
 
 #include "CheckTransaction.h"
 #include "Failure.h"
+#include "ProcessState.h"
 #include "TableCheck.h"
 #include "TemporaryFile.h"
 
@@ -411,6 +412,17 @@ std::string leavesNoDescriptor(CheckHost& host) {
     return "";
 }
 
+std::string leavesProcessAsItWas(CheckHost& host) {
+    const ProcessState before;
+    live(host);
+    host.unload();
+    const std::string change = ProcessState().changeSince(before);
+    if (!change.empty()) {
+        CheckEnd::warn("it changed " + change);
+    }
+    return "";
+}
+
 std::string leavesNoThread(CheckHost& host) {
     live(host);
     host.unload();
@@ -468,6 +480,9 @@ std::vector<CheckItem> LifeChecks::lastItems() {
         {"unload.unmaps", "An unloaded library leaves the process", unmaps},
         {"unload.again", "A library that was unloaded can be loaded and used again", livesAgain},
         {"unload.descriptors", "An unloaded library leaves no descriptor open", leavesNoDescriptor},
+        {"unload.process",
+         "An unloaded library leaves signal handlers, working folder, file mode mask, environment and locale alone",
+         leavesProcessAsItWas},
         {"unload.threads", "An unloaded library leaves no thread", leavesNoThread},
     };
 }
