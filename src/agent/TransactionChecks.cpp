@@ -286,11 +286,14 @@ std::string keepsTransactionsApart(CheckHost& host) {
     CheckTransaction lasting(host);
     const Given given(host, lasting);
     void* const iterator = lasting.list();
+    Texts listed = {lasting.next(iterator)};
     for (int round = 0; round < 10; ++round) {
         use(host, round % 2 == 0);
     }
     given.verifyUnchanged("when another transaction finished");
-    if (textsOf(lasting.rest(iterator)) != given.listed() && lasting.isSteady()) {
+    const Texts rest = textsOf(lasting.rest(iterator));
+    listed.insert(listed.end(), rest.begin(), rest.end());
+    if (listed != given.listed() && lasting.isSteady()) {
         CheckEnd::fail("a listing changed when another transaction finished");
     }
     return "";

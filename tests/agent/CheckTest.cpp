@@ -130,6 +130,36 @@ TEST(CheckTest, whatNeedsInstancesIsSkippedWhereNobodyNamesTheClass) {
     }
 }
 
+TEST(CheckTest, aClassThatNoRouteKnowsStandsAtTheRoot) {
+    const AgentOutcome outcome =
+        check({library("root_class"), "--in-process", "--class", "Root", "--attribute", "version"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(findingsIn(itemsIn(outcome.out)), IsEmpty());
+}
+
+TEST(CheckTest, aParentThatIsNamedGoesBeforeThatOfTheRoute) {
+    const std::vector<Item> items =
+        itemsIn(check({TEV_COMPONENT_LIBRARY, "--parent", "ManagedElement=1", "--only", "listing.ends"}).out);
+    EXPECT_EQ(items.front().result, "failed");
+    EXPECT_EQ(items.front().remark, "newMoIterator returned -1 (failure)");
+}
+
+TEST(CheckTest, aClassThatIsNamedGoesBeforeThatOfTheRoute) {
+    const std::vector<Item> items =
+        itemsIn(check({TEV_COMPONENT_LIBRARY, "--class", "Other", "--parent",
+                       "ManagedElement=1,SystemFunctions=1,SysM=1", "--only", "listing.ends"})
+                    .out);
+    EXPECT_EQ(items.front().result, "failed");
+    EXPECT_EQ(items.front().remark, "newMoIterator returned -1 (failure)");
+}
+
+TEST(CheckTest, everyComponentIsGivenTheConfiguration) {
+    const AgentOutcome outcome = AgentProcess::run({"--config", TEV_EXAMPLE_NODE "/libtev_schema_populator.cfg",
+                                                    "--component", library("tells_configuration"), "check",
+                                                    TEV_EXAMPLE_COMPONENT, "--in-process", "--only", "init.registers"});
+    EXPECT_THAT(outcome.err, HasSubstr("configuration " TEV_EXAMPLE_NODE "/libtev_schema_populator.cfg, "));
+}
+
 TEST(CheckTest, whatNeedsAttributesIsSkippedWhereNobodyNamesThem) {
     const AgentOutcome outcome =
         check({TEV_EXAMPLE_COMPONENT, "--class", "Uptime", "--parent", "ManagedElement=1", "--only", "reads"});
@@ -310,7 +340,10 @@ const std::vector<Fault>& faults() {
         {"deletes_anything", {{"writes.delete", "failed"}}},
         {"empty_after_restart", {{"lifecycle.used-again", "warning"}}},
         {"empty_extra", {{"tables.extra", "failed"}}},
+        {"fails_at_end", {{"listing.end-again", "warning"}}},
+        {"finish_changes_values", {{"transactions.apart", "failed"}}},
         {"finish_needs_start", {{"transactions.finish-after-stop", "failed"}}},
+        {"finish_rewinds", {{"transactions.apart", "failed"}}},
         {"finishes_all", {{"transactions.apart", "failed"}}},
         {"frees_on_commit", {{"memory.until-finish", "failed"}}},
         {"init_once", {{"init.again", "warning"}}},
@@ -327,11 +360,13 @@ const std::vector<Fault>& faults() {
         {"key_ring", {{"memory.keys", "failed"}}},
         {"leaves_descriptor", {{"unload.descriptors", "warning"}}},
         {"leaves_thread", {{"unload.threads", "warning"}}, true},
+        {"leaves_result", {{"reads.unknown-attribute", "warning"}}},
         {"listing_begins_again", {{"listing.end-again", "warning"}}},
         {"listing_throws_int", {{"listing.ends", "failed"}}},
         {"lists_any_class", {{"listing.unknown-class", "failed"}}},
         {"lists_any_parent", {{"listing.unknown-parent", "failed"}}},
         {"lists_for_ever", {{"listing.ends", "failed"}}},
+        {"lists_into_nothing", {{"listing.null-arguments", "failed"}}},
         {"load_throws_int", {{"load.opens", "failed"}}},
         {"mixes_threads", {{"threads.together", "warning"}}},
         {"nameless_dependency", {{"tables.dependencies", "failed"}}},
@@ -339,6 +374,7 @@ const std::vector<Fault>& faults() {
         {"no_init", {{"load.entry-points", "failed"}}},
         {"no_portal_dependency", {{"dependencies.portal", "warning"}}},
         {"no_terminate", {{"load.entry-points", "failed"}}},
+        {"no_type", {{"reads.well-formed", "failed"}}},
         {"null_array", {{"tables.component", "failed"}}},
         {"null_component", {{"init.registers", "failed"}}},
         {"null_function", {{"tables.offers", "failed"}}},
@@ -359,12 +395,16 @@ const std::vector<Fault>& faults() {
         {"prints_while_loaded", {{"load.quiet", "warning"}}},
         {"prints_while_read", {{"output.untouched", "warning"}}},
         {"read_fails", {{"reads.every-instance", "failed"}}},
+        {"reads_into_nothing", {{"reads.null-arguments", "failed"}}},
+        {"reads_of_nothing", {{"reads.null-arguments", "failed"}}},
         {"reference_nowhere", {{"reads.well-formed", "warning"}}},
         {"refuses_with_exception", {{"exceptions.none", "warning"}}},
+        {"refuses_unstarted", {{"lifecycle.not-started", "warning"}, {"lifecycle.stopped", "warning"}}},
         {"registers_nothing", {{"init.registers", "failed"}}},
         {"repeats_key", {{"listing.keys", "warning"}}},
         {"sets_anything", {{"writes.set", "failed"}}},
         {"start_fails", {{"lifecycle.start", "failed"}}},
+        {"starts_thread_while_loaded", {{"load.quiet", "warning"}}, true},
         {"starts_twice", {{"lifecycle.restart", "failed"}}},
         {"stays_loaded", {{"unload.unmaps", "warning"}}, true},
         {"stays_registered", {{"init.unregisters", "failed"}}},
@@ -377,6 +417,7 @@ const std::vector<Fault>& faults() {
         {"struct_without_cells", {{"reads.well-formed", "failed"}}},
         {"trusts_iterators", {{"listing.unknown-iterator", "crashed"}}, true},
         {"trusts_null", {{"listing.unknown-iterator", "failed"}}},
+        {"unresolved", {{"load.opens", "failed"}}},
         {"unmet_dependency", {{"dependencies.offered", "failed"}}},
         {"votes_no", {{"transactions.commit", "failed"}}},
         {"wrong_component_version", {{"tables.component", "failed"}}},
