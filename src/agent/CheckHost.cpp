@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include "Failure.h"
@@ -190,7 +191,8 @@ void CheckHost::stop() {
         return;
     }
     Diagnostics::Capture capture;
-    if (portal.stop() != TevReturnOk) {
+    // How long an item may take is not for its host to say.
+    if (portal.stop(std::nullopt) != TevReturnOk) {
         CheckEnd::fail(capture.takeOr("stop failed"));
     }
 }

@@ -138,10 +138,10 @@ void PortalService::start() {
     }
 }
 
-TevReturnT PortalService::stop() {
+TevReturnT PortalService::stop(std::optional<std::chrono::seconds> limit) {
     TevReturnT result = TevReturnOk;
     while (const std::shared_ptr<Component> component = takeLastStarted()) {
-        const TevReturnT code = component->stop();
+        const TevReturnT code = component->stop(limit);
         result = result == TevReturnOk ? code : result;
     }
     return result;

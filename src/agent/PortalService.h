@@ -1,7 +1,9 @@
 #ifndef TEV_AGENT_PORTAL_SERVICE_H
 #define TEV_AGENT_PORTAL_SERVICE_H
 
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,8 +54,8 @@ public:
     void start();
 
     /// Stops, in reverse order, every component that was told to start, also one whose start failed. Returns 0 or the
-    /// first code of one that did not stop; says which.
-    TevReturnT stop();
+    /// first code of one that did not stop; says which. Each may take `limit`, as `Component` has it.
+    TevReturnT stop(std::optional<std::chrono::seconds> limit = Component::stopLimit);
 
 private:
     struct Table;

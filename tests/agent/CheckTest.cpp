@@ -4,10 +4,17 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/JSON/Parser.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
@@ -16,6 +23,8 @@
 #include <vector>
 
 #include "AgentProcess.h"
+#include "Pipe.h"
+#include "TempFolder.h"
 
 namespace TevTest {
 
@@ -305,6 +314,14 @@ TEST(CheckTest, anItemThatCrashesLeavesNoCoreFile) {
     agent.send(SIGINT);
     EXPECT_EQ(agent.outcome().status, 130);
     EXPECT_EQ(limit.rlim_cur, 0U);
+}
+
+// A host of its own would end the program after ten seconds.
+TEST(CheckTest, howLongAStopMayTakeIsUpToTheTimeLimitAlone) {
+    const AgentOutcome outcome =
+        AgentProcess::run({"check", library("endless_stop"), "--time-limit", "11", "--only", "lifecycle.stop"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out, HasSubstr(": it did not return within 11 s\n1 failed\n"));
 }
 
 // One fault each
