@@ -324,6 +324,13 @@ TEST(CheckTest, howLongAStopMayTakeIsUpToTheTimeLimitAlone) {
     EXPECT_THAT(outcome.out, HasSubstr(": it did not return within 11 s\n1 failed\n"));
 }
 
+TEST(CheckTest, anInterruptOfTwoThreadsInOneProcessIsNoFaultOfTheComponent) {
+    const AgentOutcome outcome = check({library("interrupts_in_thread"), "--in-process", "--only", "threads.together"});
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+}
+
 // One fault each
 
 struct Fault {
