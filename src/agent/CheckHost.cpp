@@ -89,7 +89,7 @@ const char* textOrNull(const std::string& text) {
 
 CheckHost::CheckHost(const CheckSubject& checkSubject)
     : subject(checkSubject),
-      path(std::filesystem::absolute(subject.library)),
+      path(ComponentLibrary::absolutePath(subject.library)),
       name(std::filesystem::path(path).filename()),
       repository(std::make_unique<ModelRepository>(models())),
       store(storeOf(subject.objects)),

@@ -331,6 +331,18 @@ TEST(CheckTest, anInterruptOfTwoThreadsInOneProcessIsNoFaultOfTheComponent) {
     EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
 }
 
+// What is named
+
+TEST(CheckTest, aRelativePathWithoutAWorkingFolderIsToldInASentence) {
+    const TempFolder folder;
+    const std::string gone = folder.path() / "gone";
+    std::filesystem::create_directory(gone);
+    AgentProcess shell(
+        {"-c", "cd \"$0\" && rmdir \"$0\" && exec \"$1\" check x.so --only load.opens", gone, TEV_AGENT_PROGRAM}, {},
+        "/bin/sh");
+    EXPECT_THAT(shell.outcome().out, HasSubstr(": cannot use component library x.so: No such file or directory\n"));
+}
+
 // One fault each
 
 struct Fault {
