@@ -316,6 +316,20 @@ TEST(CheckTest, anItemThatCrashesLeavesNoCoreFile) {
     EXPECT_EQ(limit.rlim_cur, 0U);
 }
 
+TEST(CheckTest, aCheckThatIsKilledTakesItsProcessAlong) {
+    AgentProcess agent({"check", library("endless_start"), "--time-limit", "600", "--only", "lifecycle.start"});
+    const pid_t child = childOf(agent);
+    ASSERT_GT(child, 0);
+    pollfd end{static_cast<int>(syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
+    agent.send(SIGKILL);
+    EXPECT_EQ(agent.outcome().signal, SIGKILL);
+    if (poll(&end, 1, 30000) != 1) {
+        ADD_FAILURE() << "it still runs";
+        kill(child, SIGKILL);
+    }
+    close(end.fd);
+}
+
 // A host of its own would end the program after ten seconds.
 TEST(CheckTest, howLongAStopMayTakeIsUpToTheTimeLimitAlone) {
     const AgentOutcome outcome =
