@@ -117,7 +117,7 @@ CheckHost::~CheckHost() {
     Tev::Portal::setAccessor(nullptr);
 }
 
-/// Whatever goes wrong here has an item of its own.
+/// Whatever goes wrong here has an item of its own. The result of this one is told by now.
 void CheckHost::endLife() {
     for (void (CheckHost::*step)() : {&CheckHost::stop, &CheckHost::terminate, &CheckHost::unload}) {
         try {
