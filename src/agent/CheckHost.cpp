@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include "Failure.h"
@@ -88,7 +89,7 @@ const char* textOrNull(const std::string& text) {
 
 CheckHost::CheckHost(const CheckSubject& checkSubject)
     : subject(checkSubject),
-      path(std::filesystem::absolute(subject.library)),
+      path(ComponentLibrary::absolutePath(subject.library)),
       name(std::filesystem::path(path).filename()),
       repository(std::make_unique<ModelRepository>(models())),
       store(storeOf(subject.objects)),
@@ -116,7 +117,7 @@ CheckHost::~CheckHost() {
     Tev::Portal::setAccessor(nullptr);
 }
 
-/// Whatever goes wrong here has an item of its own.
+/// Whatever goes wrong here has an item of its own. The result of this one is told by now.
 void CheckHost::endLife() {
     for (void (CheckHost::*step)() : {&CheckHost::stop, &CheckHost::terminate, &CheckHost::unload}) {
         try {
@@ -190,7 +191,8 @@ void CheckHost::stop() {
         return;
     }
     Diagnostics::Capture capture;
-    if (portal.stop() != TevReturnOk) {
+    // How long an item may take is not for its host to say.
+    if (portal.stop(std::nullopt) != TevReturnOk) {
         CheckEnd::fail(capture.takeOr("stop failed"));
     }
 }

@@ -28,7 +28,7 @@ namespace TevAgent {
 class CheckHost {
 public:
     /// Loads and initializes the other libraries. Throws `Failure` (not started) when one of them, or the file of
-    /// managed objects, cannot be used.
+    /// managed objects, cannot be used, or the working folder that a relative path begins at is gone.
     explicit CheckHost(const CheckSubject& checkSubject);
     ~CheckHost();
     CheckHost(const CheckHost&) = delete;

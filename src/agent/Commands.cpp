@@ -310,8 +310,8 @@ CheckSubject Commands::checkSubject() const {
             settings.attributes};
 }
 
-std::vector<std::string> Commands::checkArguments(const CheckSubject& subject) const {
-    std::vector<std::string> words = {"--output", "json"};
+std::vector<std::string> Commands::checkWords(const CheckSubject& subject) const {
+    std::vector<std::string> words;
     const auto add = [&words](const char* option, const std::string& value) {
         if (!value.empty()) {
             words.insert(words.end(), {option, value});
@@ -324,13 +324,12 @@ std::vector<std::string> Commands::checkArguments(const CheckSubject& subject) c
     add("--objects", subject.objects);
     add("--log-level", settings.logLevel ? std::to_string(*settings.logLevel) : "");
     add("--log-file", settings.logFile);
-    words.insert(words.end(), {"check", "--in-process"});
     add("--class", subject.className);
     add("--parent", subject.parent);
     for (const std::string& attribute : subject.attributes) {
         add("--attribute", attribute);
     }
-    words.push_back(subject.library);
+    words.insert(words.end(), {"--", subject.library});
     return words;
 }
 
@@ -338,18 +337,24 @@ ExitStatus Commands::check() {
     const CheckSubject subject = checkSubject();
     const std::vector<CheckItem> items = ComponentCheck::itemsNamed(settings.onlyItems);
     const bool isTable = settings.output == Settings::Output::Table;
-    const auto tell = [&](const CheckResult& result) {
-        output.write(isTable ? TableText::of(result, output.screen()) : "");
-    };
     std::vector<CheckResult> results;
+    // With the last one all is written: its host, which ends behind it, may bring the process down.
+    const auto tell = [&](const CheckResult& result) {
+        results.push_back(result);
+        const bool isLast = results.size() == items.size();
+        if (isTable) {
+            output.write(TableText::of(result, output.screen()) + (isLast ? TableText::summaryOf(results) : ""));
+        } else if (isLast) {
+            output.write(JsonText::of(results));
+        }
+    };
     if (settings.isInProcess) {
-        results = ComponentCheck::runHere(items, subject, tell);
+        ComponentCheck::runHere(items, subject, tell);
     } else {
-        const ItemProcess process(checkArguments(subject), std::chrono::seconds(settings.timeLimit));
+        ItemProcess process(checkWords(subject), std::chrono::seconds(settings.timeLimit));
         const auto attempt = [&process](const CheckItem& item) { return process.attempt(item); };
-        results = ComponentCheck::run(items, std::max(1U, std::thread::hardware_concurrency()), attempt, tell);
+        ComponentCheck::run(items, std::max(1U, std::thread::hardware_concurrency()), attempt, tell);
     }
-    output.write(isTable ? TableText::summaryOf(results) : JsonText::of(results));
     const bool isBad =
         std::any_of(results.begin(), results.end(), [](const CheckResult& result) { return result.isBad(); });
     return isBad ? ExitStatus::OperationFailed : ExitStatus::Done;

@@ -40,8 +40,8 @@ private:
     ExitStatus check();
     CheckSubject checkSubject() const;
 
-    /// The arguments of a check of `subject` in the process that writes JSON.
-    std::vector<std::string> checkArguments(const CheckSubject& subject) const;
+    /// What stands behind `check` on the command line, so that `subject` is checked.
+    std::vector<std::string> checkWords(const CheckSubject& subject) const;
     void write(const std::vector<std::string>& attributes, const std::vector<Instance>& instances);
 
     const Settings& settings;

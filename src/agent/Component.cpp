@@ -1,17 +1,9 @@
 #include "Component.h"
 
-#include <chrono>
-
 #include "Barrier.h"
 #include "Watchdog.h"
 
 namespace TevAgent {
-
-namespace {
-
-constexpr std::chrono::seconds stopLimit(10);
-
-}  // namespace
 
 Component::Component(DalMgmtSpiComponent_2& componentTable)
     : descriptor(componentTable), componentName(componentTable.base.componentName) {}
@@ -37,9 +29,12 @@ TevReturnT Component::start() {
                            [this] { return descriptor.start(DalStateChangeReasonUnspecified); });
 }
 
-TevReturnT Component::stop() {
-    const Watchdog watchdog(stopLimit, "component " + componentName + " did not return from stop within " +
-                                           std::to_string(stopLimit.count()) + " seconds");
+TevReturnT Component::stop(std::optional<std::chrono::seconds> limit) {
+    std::optional<Watchdog> watchdog;
+    if (limit) {
+        watchdog.emplace(*limit, "component " + componentName + " did not return from stop within " +
+                                     std::to_string(limit->count()) + " seconds");
+    }
     return Barrier::demand(componentName, "stop", [this] { return descriptor.stop(DalStateChangeReasonUnspecified); });
 }
 

@@ -1,6 +1,8 @@
 #ifndef TEV_AGENT_COMPONENT_H
 #define TEV_AGENT_COMPONENT_H
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +14,8 @@ namespace TevAgent {
 /// A registered component, behind the barrier. Its table was found well-formed and is borrowed.
 class Component {
 public:
+    static constexpr std::chrono::seconds stopLimit{10};
+
     explicit Component(DalMgmtSpiComponent_2& componentTable);
 
     const std::string& name() const { return componentName; }
@@ -22,9 +26,9 @@ public:
     std::vector<InterfaceId> dependencies() const;
 
     /// Tells the component to start, to stop; what goes wrong is reported. Called one at a time. A component that does
-    /// not return from `stop` within 10 seconds ends the program.
+    /// not return from `stop` within `limit`, if any, ends the program.
     TevReturnT start();
-    TevReturnT stop();
+    TevReturnT stop(std::optional<std::chrono::seconds> limit);
 
 private:
     DalMgmtSpiComponent_2& descriptor;

@@ -9,6 +9,7 @@
 
 #include "CheckEnd.h"
 #include "CheckHost.h"
+#include "Descendants.h"
 #include "Interruption.h"
 #include "LifeChecks.h"
 #include "ObjectChecks.h"
@@ -44,8 +45,7 @@ CheckResult skipped(const CheckItem& item, const CheckItem& gate) {
     return resultOf(item, CheckResult::Outcome::Skipped, std::string("because ") + gate.id + " did not pass");
 }
 
-CheckResult tryItem(const CheckSubject& subject, const CheckItem& item) {
-    CheckHost host(subject);
+CheckResult tryItem(const CheckItem& item, CheckHost& host) {
     try {
         return resultOf(item, CheckResult::Outcome::Passed, item.attempt(host));
     } catch (const CheckEnd& e) {
@@ -114,16 +114,12 @@ std::vector<CheckItem> ComponentCheck::itemsNamed(const std::vector<std::string>
     return items;
 }
 
-std::vector<CheckResult> ComponentCheck::run(const std::vector<CheckItem>& items, std::size_t jobs,
-                                             const Attempt& attempt, const Tell& tell) {
-    std::vector<CheckResult> results;
-    const auto add = [&](const CheckResult& result) {
-        results.push_back(result);
-        tell(result);
-    };
+void ComponentCheck::run(const std::vector<CheckItem>& items, std::size_t jobs, const Attempt& attempt,
+                         const Tell& tell) {
     // The gates first, one after the other: what they stop need not be tried.
     std::map<std::size_t, CheckResult> gates;
     std::size_t end = items.size();
+    std::size_t told = 0;
     std::vector<CheckItem> others;
     for (std::size_t i = 0; i < end; ++i) {
         if (!items[i].isGate) {
@@ -133,31 +129,34 @@ std::vector<CheckResult> ComponentCheck::run(const std::vector<CheckItem>& items
         const CheckResult& result = gates.emplace(i, attempt(items[i])).first->second;
         end = result.isBad() ? i + 1 : end;
         if (others.empty()) {
-            add(result);
+            tell(result);
+            ++told;
         }
     }
     Workers workers(others, jobs, attempt);
     std::size_t nextOther = 0;
-    for (std::size_t i = results.size(); i < items.size(); ++i) {
+    for (std::size_t i = told; i < items.size(); ++i) {
         if (i >= end) {
-            add(skipped(items[i], items[end - 1]));
+            tell(skipped(items[i], items[end - 1]));
         } else {
-            add(items[i].isGate ? gates.at(i) : workers.result(nextOther++));
+            tell(items[i].isGate ? gates.at(i) : workers.result(nextOther++));
         }
     }
-    return results;
 }
 
-std::vector<CheckResult> ComponentCheck::runHere(const std::vector<CheckItem>& items, const CheckSubject& subject,
-                                                 const Tell& tell) {
+void ComponentCheck::runHere(const std::vector<CheckItem>& items, const CheckSubject& subject, const Tell& tell) {
+    Descendants::adopt();
     const CheckItem* closed = nullptr;
-    std::vector<CheckResult> results;
     for (const CheckItem& item : items) {
-        results.push_back(closed != nullptr ? skipped(item, *closed) : tryItem(subject, item));
-        closed = item.isGate && results.back().isBad() ? &item : closed;
-        tell(results.back());
+        if (closed != nullptr) {
+            tell(skipped(item, *closed));
+            continue;
+        }
+        CheckHost host(subject);
+        const CheckResult result = tryItem(item, host);
+        closed = item.isGate && result.isBad() ? &item : nullptr;
+        tell(result);
     }
-    return results;
 }
 
 }  // namespace TevAgent

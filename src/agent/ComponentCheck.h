@@ -30,13 +30,11 @@ public:
 
     /// Tries `items`, so many at a time, and tells each result, in their order, as soon as it can. Throws
     /// `Interrupted`, and what `attempt` and `tell` throw.
-    static std::vector<CheckResult> run(const std::vector<CheckItem>& items, std::size_t jobs, const Attempt& attempt,
-                                        const Tell& tell);
+    static void run(const std::vector<CheckItem>& items, std::size_t jobs, const Attempt& attempt, const Tell& tell);
 
-    /// The same in this process and thread, one after the other: each result is told before the next item is tried.
-    /// Throws `Failure` (not started) when a file that is named beside the component cannot be used.
-    static std::vector<CheckResult> runHere(const std::vector<CheckItem>& items, const CheckSubject& subject,
-                                            const Tell& tell);
+    /// The same in this process and thread, one after the other: each result is told before the item's host ends, which
+    /// the component may not survive. Throws `Failure` (not started) when a file cannot be used.
+    static void runHere(const std::vector<CheckItem>& items, const CheckSubject& subject, const Tell& tell);
 };
 
 }  // namespace TevAgent

@@ -17,17 +17,6 @@ namespace {
     throw Failure(ExitStatus::NotStarted, "cannot use component library " + file + ": " + reason);
 }
 
-/// Absolute, because the loader searches elsewhere for a name without a slash; ".." stays, because it may follow a
-/// link.
-std::string absolutePath(const std::string& file) {
-    std::error_code error;
-    const std::filesystem::path path = std::filesystem::absolute(file, error);
-    if (error) {
-        refuse(file, error.message());
-    }
-    return path;
-}
-
 void* open(const std::string& file, const std::string& name) {
     Diagnostics::Capture capture;
     void* library = nullptr;
@@ -70,6 +59,15 @@ ComponentLibrary::~ComponentLibrary() {
             Diagnostics::say("component library " + file + " left component " + component->name() + " registered");
         }
     }
+}
+
+std::string ComponentLibrary::absolutePath(const std::string& libraryPath) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(libraryPath, error);
+    if (error) {
+        refuse(libraryPath, error.message());
+    }
+    return path;
 }
 
 void ComponentLibrary::initialize(const char* configuration) {

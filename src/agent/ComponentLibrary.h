@@ -23,6 +23,10 @@ public:
     ComponentLibrary(const ComponentLibrary&) = delete;
     ComponentLibrary& operator=(const ComponentLibrary&) = delete;
 
+    /// The path to load a library by: absolute, because the loader searches elsewhere for a name without a slash; ".."
+    /// stays, because it may follow a link. Throws `Failure` (not started) where there is no working folder any more.
+    static std::string absolutePath(const std::string& libraryPath);
+
     /// The absolute path.
     const std::string& path() const { return file; }
 

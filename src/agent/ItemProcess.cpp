@@ -13,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Descendants.h"
 #include "ExitStatus.h"
 #include "Failure.h"
 #include "Interruption.h"
@@ -23,53 +24,6 @@
 namespace TevAgent {
 
 namespace {
-
-/// A run of this program in a process group of its own, so that it can be ended with all that it started, which is
-/// done at the object's end at the latest.
-class Run {
-public:
-    Run(const std::vector<std::string>& arguments, const TemporaryFile& out, const TemporaryFile& err)
-        : process(OwnProgram::start(arguments, {out.descriptor(), err.descriptor(), true})),
-          // Not by the C library's function, which its header does not declare for C++.
-          descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {
-        if (descriptor == -1) {
-            const int error = errno;
-            end();
-            throw Failure(ExitStatus::OperationFailed,
-                          "the check cannot be watched: " + std::generic_category().message(error));
-        }
-    }
-
-    ~Run() {
-        if (!isReaped) {
-            end();
-        }
-        close(descriptor);
-    }
-
-    Run(const Run&) = delete;
-    Run& operator=(const Run&) = delete;
-
-    /// How it ended, as `waitpid` tells; nothing when it goes on beyond the limit.
-    std::optional<int> wait(std::chrono::seconds limit) {
-        const bool hasEnded = Interruption::waitForInput(descriptor, std::chrono::steady_clock::now() + limit);
-        return hasEnded ? std::optional(end()) : std::nullopt;
-    }
-
-private:
-    /// The group goes first: its number is nobody else's only as long as its leader is not waited for.
-    int end() {
-        kill(-process, SIGKILL);
-        int status = 0;
-        waitpid(process, &status, 0);
-        isReaped = true;
-        return status;
-    }
-
-    const pid_t process;
-    const int descriptor;
-    bool isReaped = false;
-};
 
 std::string signalText(int signal) {
     const char* const name = sigabbrev_np(signal);
@@ -92,41 +46,127 @@ std::optional<CheckResult> resultIn(const std::string& out) {
     }
 }
 
-}  // namespace
-
-ItemProcess::ItemProcess(std::vector<std::string> commandLine, std::chrono::seconds limit)
-    : arguments(std::move(commandLine)), timeLimit(limit) {
-    const rlimit none{};
-    setrlimit(RLIMIT_CORE, &none);
+bool hasEndedWith(int status, const CheckResult& told) {
+    const ExitStatus expected = told.isBad() ? ExitStatus::OperationFailed : ExitStatus::Done;
+    return WIFEXITED(status) && WEXITSTATUS(status) == static_cast<int>(expected);
 }
 
-CheckResult ItemProcess::attempt(const CheckItem& item) const {
-    using Outcome = CheckResult::Outcome;
-    Interruption::check();
-    std::vector<std::string> words = arguments;
-    words.insert(words.end(), {"--only", item.id});
+/// What is said of a process that ended in another way than it should have.
+std::string endText(int status, const std::string& err) {
+    if (WIFSIGNALED(status)) {
+        return signalText(WTERMSIG(status));
+    }
+    const std::string said = lastWord(err);
+    return said.empty() ? "the process ended with status " + std::to_string(WEXITSTATUS(status)) : said;
+}
+
+/// The result of an item whose process came to a bad end only after it: the items that are about the end tell of that,
+/// so that it is no fault of this one.
+CheckResult withEnd(CheckResult result, const std::string& fault) {
+    result.outcome = result.isBad() ? result.outcome : CheckResult::Outcome::Warning;
+    result.remark += (result.remark.empty() ? "" : "; ") + fault + ", once the item was done";
+    return result;
+}
+
+}  // namespace
+
+/// A run of this program, which is ended with all that it started at the object's end at the latest.
+class ItemProcess::Run {
+public:
+    Run(ItemProcess& itemProcess, const std::vector<std::string>& words)
+        : owner(itemProcess),
+          process(owner.start(words, out.descriptor(), err.descriptor())),
+          // Not by the C library's function, which its header does not declare for C++.
+          descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {
+        if (descriptor == -1) {
+            const int error = errno;
+            owner.end(process);
+            throw Failure(ExitStatus::OperationFailed,
+                          "the check cannot be watched: " + std::generic_category().message(error));
+        }
+    }
+
+    ~Run() {
+        if (!isReaped) {
+            owner.end(process);
+        }
+        close(descriptor);
+    }
+
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
+    /// How it ended, as `waitpid` tells; nothing when it goes on beyond the limit.
+    std::optional<int> wait(std::chrono::seconds limit) {
+        if (!Interruption::waitForInput(descriptor, std::chrono::steady_clock::now() + limit)) {
+            return std::nullopt;
+        }
+        isReaped = true;
+        return owner.end(process);
+    }
+
+    /// What it wrote so far.
     const TemporaryFile out;
     const TemporaryFile err;
-    Run run(words, out, err);
+
+private:
+    ItemProcess& owner;
+    const pid_t process;
+    const int descriptor;
+    bool isReaped = false;
+};
+
+ItemProcess::ItemProcess(std::vector<std::string> checkWords, std::chrono::seconds limit)
+    : subjectWords(std::move(checkWords)), timeLimit(limit) {
+    const rlimit none{};
+    setrlimit(RLIMIT_CORE, &none);
+    Descendants::adopt();
+}
+
+CheckResult ItemProcess::attempt(const CheckItem& item) {
+    Interruption::check();
+    std::vector<std::string> words = {"check", "--in-process", "--output", "json", "--only", item.id};
+    words.insert(words.end(), subjectWords.begin(), subjectWords.end());
+    Run run(*this, words);
     const std::optional<int> status = run.wait(timeLimit);
-    CheckResult result{item.id, item.description, Outcome::Crashed, ""};
-    if (!status) {
-        result.outcome = Outcome::Failed;
-        result.remark = "it did not return within " + std::to_string(timeLimit.count()) + " s";
-        return result;
-    }
-    const std::optional<CheckResult> told = resultIn(out.text());
-    if (WIFSIGNALED(*status)) {
-        result.remark = signalText(WTERMSIG(*status)) + (told ? ", once the item was done" : "");
-        return result;
-    }
-    const int code = WEXITSTATUS(*status);
-    if (told && code == static_cast<int>(told->isBad() ? ExitStatus::OperationFailed : ExitStatus::Done)) {
+    const std::optional<CheckResult> told = resultIn(run.out.text());
+    if (status && told && hasEndedWith(*status, *told)) {
         return *told;
     }
-    const std::string said = lastWord(err.text());
-    result.remark = said.empty() ? "the process ended with status " + std::to_string(code) : said;
-    return result;
+    const std::string fault = status ? endText(*status, run.err.text())
+                                     : "it did not return within " + std::to_string(timeLimit.count()) + " s";
+    if (told) {
+        return withEnd(*told, fault);
+    }
+    const CheckResult::Outcome outcome = status ? CheckResult::Outcome::Crashed : CheckResult::Outcome::Failed;
+    const char* const lost = run.err.isFull() ? "; it wrote more than is kept on standard error" : "";
+    return {item.id, item.description, outcome, fault + lost};
+}
+
+pid_t ItemProcess::start(const std::vector<std::string>& words, int output, int error) {
+    const Tev::AnnotatedLock lock(mutex);
+    return *underWay.insert(OwnProgram::start(words, {output, error, true})).first;
+}
+
+int ItemProcess::end(pid_t process) {
+    // Not by its group, which it may have left.
+    kill(process, SIGKILL);
+    int status = 0;
+    waitpid(process, &status, 0);
+    const Tev::AnnotatedLock lock(mutex);
+    underWay.erase(process);
+    // What those that are under way start stays below them, so the others are left of what has ended. Killed, they may
+    // leave some in turn.
+    for (bool isLeft = true; isLeft;) {
+        isLeft = false;
+        for (const pid_t child : Descendants::children()) {
+            if (underWay.count(child) == 0 && kill(child, SIGKILL) == 0) {
+                waitpid(child, nullptr, 0);
+                isLeft = true;
+            }
+        }
+    }
+    return status;
 }
 
 }  // namespace TevAgent

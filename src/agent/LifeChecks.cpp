@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "CheckTransaction.h"
+#include "Descendants.h"
 #include "Failure.h"
 #include "ProcessState.h"
 #include "TableCheck.h"
@@ -30,14 +31,18 @@ std::size_t entriesOf(const char* folder) {
         std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
 }
 
-/// The number of threads, as soon as it is down to `expected`: the system may show one that has ended for a moment
-/// more.
-std::size_t threadsDownTo(std::size_t expected) {
+/// What `count` returns, as soon as it is down to `expected`: the system may show what has ended for a moment more.
+template <class Count>
+std::size_t downTo(std::size_t expected, Count&& count) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-    while (entriesOf(threadFolder) > expected && std::chrono::steady_clock::now() < end) {
+    while (count() > expected && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    return entriesOf(threadFolder);
+    return count();
+}
+
+std::size_t threadsDownTo(std::size_t expected) {
+    return downTo(expected, [] { return entriesOf(threadFolder); });
 }
 
 /// Takes what is written to standard output while it lives.
@@ -436,6 +441,16 @@ std::string leavesNoThread(CheckHost& host) {
     return "";
 }
 
+std::string leavesNoProcess(CheckHost& host) {
+    const std::size_t before = Descendants::running();
+    live(host);
+    host.unload();
+    if (downTo(before, Descendants::running) > before) {
+        CheckEnd::warn("it left a process running");
+    }
+    return "";
+}
+
 }  // namespace
 
 std::vector<CheckItem> LifeChecks::items() {
@@ -484,6 +499,7 @@ std::vector<CheckItem> LifeChecks::lastItems() {
          "An unloaded library leaves signal handlers, working folder, file mode mask, environment and locale alone",
          leavesProcessAsItWas},
         {"unload.threads", "An unloaded library leaves no thread", leavesNoThread},
+        {"unload.children", "An unloaded library leaves no process running", leavesNoProcess},
     };
 }
 

@@ -19,7 +19,8 @@ public:
     };
 
     /// Starts it with these arguments (without the program's name) and nothing to read. Returns its process, which the
-    /// caller waits for. Throws `Failure` (operation failed) with the reason when it cannot be started. Thread-safe.
+    /// caller waits for, and which is killed when this thread ends before it, be it with the whole process. Throws
+    /// `Failure` (operation failed) with the reason when it cannot be started. Thread-safe.
     static pid_t start(const std::vector<std::string>& arguments, const Surroundings& surroundings);
 };
 

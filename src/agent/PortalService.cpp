@@ -11,24 +11,6 @@
 
 namespace TevAgent {
 
-struct PortalService::Table {
-    static void* getPortal(const char* version) {
-        return version != nullptr && std::strcmp(version, portal.base.interfaceVersion) == 0 ? &portal : nullptr;
-    }
-
-    static void reserved() {}
-
-    static DalPortal_3 portal;
-    static DalPortalAccessor accessor;
-};
-
-DalPortal_3 PortalService::Table::portal = {{componentName, "DalPortal", "3"},
-                                            TableEntry<&PortalService::getInterface>::call,
-                                            reserved,
-                                            TableEntry<&PortalService::registerComponent>::call,
-                                            TableEntry<&PortalService::unregisterComponent>::call};
-DalPortalAccessor PortalService::Table::accessor = {getPortal};
-
 namespace {
 
 bool isSame(const DalMgmtSpiInterface_1& left, const DalMgmtSpiInterface_1& right) {
@@ -40,11 +22,11 @@ bool isSame(const DalMgmtSpiInterface_1& left, const DalMgmtSpiInterface_1& righ
 }  // namespace
 
 PortalService::PortalService() {
-    offer(Table::portal.base);
+    offer(PortalTable<PortalService>::portal.base);
 }
 
 DalPortalAccessor* PortalService::accessor() {
-    return &Table::accessor;
+    return &PortalTable<PortalService>::accessor;
 }
 
 void PortalService::offer(DalMgmtSpiInterface_1& table) {
@@ -138,10 +120,10 @@ void PortalService::start() {
     }
 }
 
-TevReturnT PortalService::stop() {
+TevReturnT PortalService::stop(std::optional<std::chrono::seconds> limit) {
     TevReturnT result = TevReturnOk;
     while (const std::shared_ptr<Component> component = takeLastStarted()) {
-        const TevReturnT code = component->stop();
+        const TevReturnT code = component->stop(limit);
         result = result == TevReturnOk ? code : result;
     }
     return result;

@@ -1,7 +1,10 @@
 #ifndef TEV_AGENT_PORTAL_SERVICE_H
 #define TEV_AGENT_PORTAL_SERVICE_H
 
+#include <chrono>
+#include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +15,23 @@
 #include "OnlyOne.h"
 
 namespace TevAgent {
+
+/// The table of a portal, and what gives components that table: for its version "3", null for all else.
+template <class Portal>
+struct PortalTable {
+    static void* getPortal(const char* version) {
+        return version != nullptr && std::strcmp(version, portal.base.interfaceVersion) == 0 ? &portal : nullptr;
+    }
+
+    static void reserved() {}
+
+    inline static DalPortal_3 portal = {{Portal::componentName, "DalPortal", "3"},
+                                        Portal::template TableEntry<&Portal::getInterface>::call,
+                                        reserved,
+                                        Portal::template TableEntry<&Portal::registerComponent>::call,
+                                        Portal::template TableEntry<&Portal::unregisterComponent>::call};
+    inline static DalPortalAccessor accessor = {getPortal};
+};
 
 /// The meeting place of components and the agent's services: what is offered, who is registered, who was told to start.
 ///
@@ -52,11 +72,11 @@ public:
     void start();
 
     /// Stops, in reverse order, every component that was told to start, also one whose start failed. Returns 0 or the
-    /// first code of one that did not stop; says which.
-    TevReturnT stop();
+    /// first code of one that did not stop; says which. Each may take `limit`, as `Component` has it.
+    TevReturnT stop(std::optional<std::chrono::seconds> limit = Component::stopLimit);
 
 private:
-    struct Table;
+    friend PortalTable<PortalService>;
 
     std::vector<InterfaceId> offeredByAgent() const;
 

@@ -1,32 +1,13 @@
 #include "RecordingPortal.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "TableCheck.h"
 
 namespace TevAgent {
 
-struct RecordingPortal::Table {
-    static void* getPortal(const char* version) {
-        return version != nullptr && std::strcmp(version, portal.base.interfaceVersion) == 0 ? &portal : nullptr;
-    }
-
-    static void reserved() {}
-
-    static DalPortal_3 portal;
-    static DalPortalAccessor accessor;
-};
-
-DalPortal_3 RecordingPortal::Table::portal = {{componentName, "DalPortal", "3"},
-                                              TableEntry<&RecordingPortal::getInterface>::call,
-                                              reserved,
-                                              TableEntry<&RecordingPortal::registerComponent>::call,
-                                              TableEntry<&RecordingPortal::unregisterComponent>::call};
-DalPortalAccessor RecordingPortal::Table::accessor = {getPortal};
-
 DalPortalAccessor* RecordingPortal::accessor() {
-    return &Table::accessor;
+    return &PortalTable<RecordingPortal>::accessor;
 }
 
 void RecordingPortal::refuse(bool isRefusing) {

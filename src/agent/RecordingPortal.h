@@ -36,7 +36,7 @@ public:
     void clear();
 
 private:
-    struct Table;
+    friend PortalTable<RecordingPortal>;
 
     TevReturnT getInterface(const char* component, const char* interfaceName, const char* version, void** result);
     TevReturnT registerComponent(DalMgmtSpiComponent_2* table);

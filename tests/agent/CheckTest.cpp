@@ -4,10 +4,17 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/JSON/Parser.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
@@ -16,6 +23,8 @@
 #include <vector>
 
 #include "AgentProcess.h"
+#include "FileText.h"
+#include "Pipe.h"
 #include "TempFolder.h"
 
 namespace TevTest {
@@ -96,7 +105,7 @@ TEST(CheckTest, theComponentPassesEveryItem) {
         EXPECT_THAT(item.id, testing::MatchesRegex("[a-z]+\\.[a-z-]+"));
         EXPECT_FALSE(item.description.empty()) << item.id;
     }
-    EXPECT_GE(ids.size(), 58U);
+    EXPECT_GE(ids.size(), 59U);
 }
 
 TEST(CheckTest, inOneProcessTheSameComesOut) {
@@ -321,6 +330,137 @@ TEST(CheckTest, anItemThatCrashesLeavesNoCoreFile) {
     EXPECT_EQ(limit.rlim_cur, 0U);
 }
 
+TEST(CheckTest, aProcessThatLeavesItsGroupIsEndedAllTheSame) {
+    const AgentOutcome outcome =
+        AgentProcess::run({"check", library("leaves_group"), "--time-limit", "1", "--only", "lifecycle.start"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out, HasSubstr("it did not return within 1 s\n1 failed\n"));
+}
+
+TEST(CheckTest, aCheckThatIsKilledTakesItsProcessAlong) {
+    AgentProcess agent({"check", library("endless_start"), "--time-limit", "600", "--only", "lifecycle.start"});
+    const pid_t child = childOf(agent);
+    ASSERT_GT(child, 0);
+    // Till then it is a copy of its parent.
+    const std::string commandLine = "/proc/" + std::to_string(child) + "/cmdline";
+    while (contents(commandLine).find("--in-process") == std::string::npos && !agent.hasEnded()) {
+        std::this_thread::yield();
+    }
+    pollfd end{static_cast<int>(syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
+    agent.send(SIGKILL);
+    EXPECT_EQ(agent.outcome().signal, SIGKILL);
+    if (poll(&end, 1, 30000) != 1) {
+        ADD_FAILURE() << "it still runs";
+        kill(child, SIGKILL);
+    }
+    close(end.fd);
+}
+
+// It would come to this test, whose descendant it is, too.
+TEST(CheckTest, noProcessOutlivesTheItemThatStartedIt) {
+    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+    EXPECT_EQ(check({library("leaves_process"), "--only", "lifecycle.start"}).status, 0);
+    siginfo_t left{};
+    EXPECT_EQ(waitid(P_ALL, 0, &left, WEXITED | WNOHANG | WNOWAIT), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(CheckTest, whatAnItemStartedLivesAsLongAsTheItem) {
+    EXPECT_THAT(findingsIn(itemsIn(check({library("has_daemon")}).out)), IsEmpty());
+}
+
+TEST(CheckTest, whatIsWrittenIsKeptUpToALimit) {
+    const AgentOutcome outcome =
+        AgentProcess::run({"check", library("floods"), "--time-limit", "1", "--only", "lifecycle.start"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out,
+                HasSubstr("it did not return within 1 s; it wrote more than is kept on standard error\n1 failed\n"));
+}
+
+TEST(CheckTest, theLastWordOfAProcessTellsWhyItEnded) {
+    const std::vector<Item> items = itemsIn(check({library("exits_talking"), "--only", "lifecycle.start"}).out);
+    EXPECT_EQ(items.front().remark, "component TevSchemaMoService called exit in start");
+}
+
+TEST(CheckTest, aProcessHasNothingToRead) {
+    Pipe pipe(0);
+    ASSERT_EQ(write(pipe.writing(), "x", 1), 1);
+    AgentProcess::Setting setting;
+    setting.in = pipe.reading();
+    const AgentOutcome outcome = AgentProcess::run({"check", library("reads_input"), "--only", "lifecycle"}, setting);
+    EXPECT_EQ(outcome.status, 0) << outcome.out;
+}
+
+// The host stops, terminates and unloads the component behind every item.
+TEST(CheckTest, whatComesDownAtTheEndIsTheFaultOfTheItemsThatAreAboutTheEnd) {
+    const std::vector<Item> items = itemsIn(check({library("crashes_while_unloaded")}).out);
+    EXPECT_EQ(items.size(), allIds().size());
+    for (const Item& item : items) {
+        const bool isAboutTheEnd = item.id.find("unload.") == 0 || item.id == "output.untouched";
+        EXPECT_EQ(item.result, isAboutTheEnd ? "crashed" : "warning") << item.id;
+        EXPECT_THAT(item.remark, testing::EndsWith(isAboutTheEnd ? "SIGABRT" : "SIGABRT, once the item was done"));
+    }
+}
+
+TEST(CheckTest, anItemThatFailedBeforeItsProcessCameDownHasFailed) {
+    const std::vector<Item> items =
+        itemsIn(check({library("crashes_while_unloaded"), "--class", "Other", "--only", "listing.ends"}).out);
+    EXPECT_EQ(items.front().result, "failed");
+    EXPECT_THAT(items.front().remark,
+                HasSubstr("newMoIterator returned -1 (failure); SIGABRT, once the item was done"));
+}
+
+TEST(CheckTest, anItemIsDoneAlsoWhereItsProcessHangsBehindIt) {
+    const AgentOutcome outcome =
+        AgentProcess::run({"check", library("endless_unload"), "--time-limit", "1", "--only", "load.entry-points"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, AllOf(StartsWith("warning  load.entry-points "),
+                                   HasSubstr(": it did not return within 1 s, once the item was done\n1 warning\n")));
+}
+
+TEST(CheckTest, anItemIsDoneAlsoWhereTheComponentCallsExitBehindIt) {
+    const std::vector<Item> items = itemsIn(check({library("exits_from_stop"), "--only", "lifecycle.start"}).out);
+    EXPECT_EQ(items.front().result, "warning");
+    EXPECT_EQ(items.front().remark, "component TevSchemaMoService called exit in stop, once the item was done");
+}
+
+// A host of its own would end the program after ten seconds.
+TEST(CheckTest, howLongAStopMayTakeIsUpToTheTimeLimitAlone) {
+    const AgentOutcome outcome =
+        AgentProcess::run({"check", library("endless_stop"), "--time-limit", "11", "--only", "lifecycle.stop"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.out, HasSubstr(": it did not return within 11 s\n1 failed\n"));
+}
+
+TEST(CheckTest, anInterruptOfTwoThreadsInOneProcessIsNoFaultOfTheComponent) {
+    const AgentOutcome outcome = check({library("interrupts_in_thread"), "--in-process", "--only", "threads.together"});
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "tev-agent: interrupted\n");
+}
+
+// What is named
+
+TEST(CheckTest, theNameOfTheFileMayBeginLikeAnOption) {
+    const TempFolder folder;
+    std::filesystem::copy(library("one_life"), folder.path() / "-x.so");
+    AgentProcess::Setting setting;
+    setting.workingFolder = folder.path();
+    const AgentOutcome outcome =
+        AgentProcess::run({"--output", "json", "check", "--only", "load.opens", "--", "-x.so"}, setting);
+    EXPECT_EQ(itemsIn(outcome.out).front().remark, folder.path() / "-x.so");
+}
+
+TEST(CheckTest, aRelativePathWithoutAWorkingFolderIsToldInASentence) {
+    const TempFolder folder;
+    const std::string gone = folder.path() / "gone";
+    std::filesystem::create_directory(gone);
+    AgentProcess shell(
+        {"-c", "cd \"$0\" && rmdir \"$0\" && exec \"$1\" check x.so --only load.opens", gone, TEV_AGENT_PROGRAM}, {},
+        "/bin/sh");
+    EXPECT_THAT(shell.outcome().out, HasSubstr(": cannot use component library x.so: No such file or directory\n"));
+}
+
 // One fault each
 
 struct Fault {
@@ -373,6 +513,7 @@ const std::vector<Fault>& faults() {
         {"keeps_refused", {{"memory.released", "failed"}}},
         {"key_ring", {{"memory.keys", "failed"}}},
         {"leaves_descriptor", {{"unload.descriptors", "warning"}}},
+        {"leaves_process", {{"unload.children", "warning"}}, true},
         {"leaves_thread", {{"unload.threads", "warning"}}, true},
         {"leaves_result", {{"reads.unknown-attribute", "warning"}}},
         {"listing_begins_again", {{"listing.end-again", "warning"}}},

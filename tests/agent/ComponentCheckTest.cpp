@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -33,17 +34,19 @@ CheckResult with(const CheckItem& item, Outcome outcome) {
     return {item.id, item.description, outcome, ""};
 }
 
+/// What is told of `items()`.
+std::vector<CheckResult> resultsOf(std::size_t jobs, const ComponentCheck::Attempt& attempt) {
+    std::vector<CheckResult> results;
+    ComponentCheck::run(items(), jobs, attempt, [&](const CheckResult& result) { results.push_back(result); });
+    return results;
+}
+
 const auto noTelling = [](const CheckResult&) {};
 
 TEST(ComponentCheckTest, tellsTheResultsInTheOrderOfTheItemsHoweverManyAreTriedAtATime) {
-    std::vector<CheckResult> told;
-    const auto tell = [&told](const CheckResult& result) { told.push_back(result); };
     const auto pass = [](const CheckItem& item) { return with(item, Outcome::Passed); };
     for (const std::size_t jobs : {1U, 4U}) {
-        told.clear();
-        const std::vector<CheckResult> results = ComponentCheck::run(items(), jobs, pass, tell);
-        EXPECT_THAT(shown(results), ElementsAre("g.a passed", "g.b passed", "g.c passed", "g.d passed"));
-        EXPECT_EQ(shown(told), shown(results));
+        EXPECT_THAT(shown(resultsOf(jobs, pass)), ElementsAre("g.a passed", "g.b passed", "g.c passed", "g.d passed"));
     }
 }
 
@@ -67,7 +70,7 @@ TEST(ComponentCheckTest, skipsWhatStandsBehindAGateThatFailedOrCrashed) {
             tried.emplace_back(item.id);
             return with(item, item.id == std::string("g.c") ? outcome : Outcome::Passed);
         };
-        const std::vector<CheckResult> results = ComponentCheck::run(items(), 2, attempt, noTelling);
+        const std::vector<CheckResult> results = resultsOf(2, attempt);
         EXPECT_EQ(results.back().outcome, Outcome::Skipped);
         EXPECT_EQ(results.back().remark, "because g.c did not pass");
         EXPECT_THAT(tried, testing::UnorderedElementsAre("g.a", "g.b", "g.c"));
@@ -77,7 +80,7 @@ TEST(ComponentCheckTest, skipsWhatStandsBehindAGateThatFailedOrCrashed) {
 TEST(ComponentCheckTest, aGateThatWarnsOrWasSkippedIsOpen) {
     for (const Outcome outcome : {Outcome::Warning, Outcome::Skipped}) {
         const auto attempt = [&](const CheckItem& item) { return with(item, outcome); };
-        EXPECT_EQ(ComponentCheck::run(items(), 2, attempt, noTelling).back().remark, "");
+        EXPECT_EQ(resultsOf(2, attempt).back().remark, "");
     }
 }
 
@@ -89,6 +92,21 @@ TEST(ComponentCheckTest, whatAnAttemptThrowsEndsTheRunOnceTheOthersAreDone) {
         return with(item, Outcome::Passed);
     };
     EXPECT_THROW(ComponentCheck::run(items(), 2, attempt, noTelling), Interrupted);
+}
+
+TEST(ComponentCheckTest, noItemIsBegunOnceOneHasThrown) {
+    const std::vector<CheckItem> many(10000, CheckItem{"g.x", "X", nullptr});
+    std::atomic<std::size_t> begun{0};
+    const auto attempt = [&](const CheckItem& item) {
+        if (++begun == 1) {
+            throw Interrupted();
+        }
+        // The others take their time, so that the end comes before theirs.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return with(item, Outcome::Passed);
+    };
+    EXPECT_THROW(ComponentCheck::run(many, 1, attempt, noTelling), Interrupted);
+    EXPECT_LT(begun, many.size());
 }
 
 TEST(ComponentCheckTest, triesSoManyItemsAtATimeAndNoMore) {
