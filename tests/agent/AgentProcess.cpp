@@ -1,12 +1,23 @@
 #include "AgentProcess.h"
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "FileText.h"
 
 namespace TevTest {
 
 AgentOutcome AgentProcess::outcome() {
     const int ended = wait();
     return {ended < 0 ? -1 : ended, std::max(-ended, 0), out(), err(), bytesRead()};
+}
+
+void AgentProcess::waitUntilAsleep() {
+    const std::string file = "/proc/" + std::to_string(id()) + "/stat";
+    while (!hasEnded() && contents(file).find(") S ") == std::string::npos) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
 }
 
 AgentOutcome AgentProcess::run(const std::vector<std::string>& arguments, const Setting& setting) {
