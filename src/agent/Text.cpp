@@ -61,15 +61,16 @@ bool hasControl(std::string_view text) {
 }
 
 std::string escaped(std::string_view text) {
+    const std::string repaired = Utf8::repaired(text);
     std::string result;
-    result.reserve(text.size());
-    while (!text.empty()) {
-        const std::string_view before = text;
-        const char32_t code = Utf8::takeFirst(text);
+    result.reserve(repaired.size());
+    for (std::string_view rest = repaired; !rest.empty();) {
+        const std::string_view before = rest;
+        const char32_t code = Utf8::takeFirst(rest);
         if (isControl(code) || isInvisible(code)) {
             result += escapeOf(code);
         } else {
-            result += before.substr(0, before.size() - text.size());
+            result += before.substr(0, before.size() - rest.size());
         }
     }
     return result;
