@@ -50,7 +50,7 @@ struct Transfer {
     TransferOutcome runInChild(const std::function<void()>& prepare) const;
 };
 
-/// Returns once `isTrue`; fails when that takes longer than ten seconds.
+/// Returns once `isTrue`; fails when that takes longer than a minute.
 void waitUntil(const std::function<bool()>& isTrue);
 
 /// How long `action` takes, in milliseconds.
