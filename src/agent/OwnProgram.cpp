@@ -12,19 +12,24 @@ namespace TevAgent {
 
 namespace {
 
+void check(int error) {
+    if (error != 0) {
+        throw Failure(ExitStatus::OperationFailed,
+                      "the check cannot be started: " + std::generic_category().message(error));
+    }
+}
+
 class SpawnSettings {
 public:
-    explicit SpawnSettings(const OwnProgram::Surroundings& surroundings) {
-        posix_spawnattr_init(&attributes);
-        posix_spawnattr_setflags(&attributes, surroundings.isApart ? POSIX_SPAWN_SETPGROUP : 0);
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    explicit SpawnSettings(const OwnProgram::Surroundings& surroundings) : SpawnSettings() {
+        check(posix_spawnattr_setflags(&attributes, surroundings.isApart ? POSIX_SPAWN_SETPGROUP : 0));
+        check(posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0));
         if (surroundings.output == -1) {
-            posix_spawn_file_actions_addclose(&actions, STDOUT_FILENO);
+            check(posix_spawn_file_actions_addclose(&actions, STDOUT_FILENO));
         } else {
-            posix_spawn_file_actions_adddup2(&actions, surroundings.output, STDOUT_FILENO);
+            check(posix_spawn_file_actions_adddup2(&actions, surroundings.output, STDOUT_FILENO));
         }
-        posix_spawn_file_actions_adddup2(&actions, surroundings.error, STDERR_FILENO);
+        check(posix_spawn_file_actions_adddup2(&actions, surroundings.error, STDERR_FILENO));
     }
 
     ~SpawnSettings() {
@@ -37,6 +42,12 @@ public:
 
     posix_spawn_file_actions_t actions{};
     posix_spawnattr_t attributes{};
+
+private:
+    SpawnSettings() {
+        posix_spawn_file_actions_init(&actions);
+        posix_spawnattr_init(&attributes);
+    }
 };
 
 }  // namespace
@@ -49,12 +60,7 @@ pid_t OwnProgram::start(const std::vector<std::string>& arguments, const Surroun
     words.push_back(nullptr);
     const SpawnSettings settings(surroundings);
     pid_t process = -1;
-    const int error =
-        posix_spawn(&process, "/proc/self/exe", &settings.actions, &settings.attributes, words.data(), environ);
-    if (error != 0) {
-        throw Failure(ExitStatus::OperationFailed,
-                      "the check cannot be started: " + std::generic_category().message(error));
-    }
+    check(posix_spawn(&process, "/proc/self/exe", &settings.actions, &settings.attributes, words.data(), environ));
     return process;
 }
 
