@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -78,6 +79,13 @@ void resetSignals(const std::vector<int>& ignored) {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
+void limitFileSize(rlim_t limit) {
+    rlimit limits{};
+    getrlimit(RLIMIT_FSIZE, &limits);
+    limits.rlim_cur = std::min(limit, limits.rlim_cur);
+    setrlimit(RLIMIT_FSIZE, &limits);
+}
+
 /// From the next `exec` on, root is a user like any other.
 void giveUpPrivileges() {
     if (geteuid() == 0 && prctl(PR_SET_SECUREBITS, SECBIT_NOROOT) != 0) {
@@ -96,6 +104,10 @@ void giveUpPrivileges() {
     direct(STDOUT_FILENO, setting.out, outFile, O_WRONLY | O_CREAT | O_APPEND);
     direct(STDIN_FILENO, setting.in, "/dev/null", O_RDONLY);
     resetSignals(setting.ignoredSignals);
+    limitFileSize(setting.fileSizeLimit);
+    if (setting.endsWithTest) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+    }
     if (setting.isUnprivileged) {
         giveUpPrivileges();
     }

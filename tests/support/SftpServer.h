@@ -5,9 +5,11 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "ChildProcess.h"
 #include "TempFolder.h"
 
 namespace TevTest {
@@ -74,7 +76,7 @@ private:
     std::string portText;
     std::string userText;
     std::string passwordText;
-    pid_t script = -1;
+    std::optional<ChildProcess> script;
 };
 
 }  // namespace TevTest
