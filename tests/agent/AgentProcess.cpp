@@ -1,10 +1,9 @@
 #include "AgentProcess.h"
 
 #include <algorithm>
-#include <chrono>
-#include <thread>
 
 #include "FileText.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -15,9 +14,7 @@ AgentOutcome AgentProcess::outcome() {
 
 void AgentProcess::waitUntilAsleep() {
     const std::string file = "/proc/" + std::to_string(id()) + "/stat";
-    while (!hasEnded() && contents(file).find(") S ") == std::string::npos) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    waitUntil([&] { return hasEnded() || contents(file).find(") S ") != std::string::npos; });
 }
 
 AgentOutcome AgentProcess::run(const std::vector<std::string>& arguments, const Setting& setting) {

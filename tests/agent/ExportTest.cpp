@@ -10,15 +10,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
-#include <thread>
 #include <utility>
 
 #include "AgentProcess.h"
 #include "Pipe.h"
 #include "Terminal.h"
 #include "TestNode.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -53,10 +52,7 @@ protected:
     /// Waits until the agent has read what was written to its standard input, and waits for more, or has ended.
     static void waitUntilItWantsMore(AgentProcess& agent, const Pipe& input) {
         int unread = 1;
-        while (unread > 0 && !agent.hasEnded()) {
-            ASSERT_EQ(ioctl(input.reading(), FIONREAD, &unread), 0);
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        waitUntil([&] { return agent.hasEnded() || (ioctl(input.reading(), FIONREAD, &unread) == 0 && unread == 0); });
         agent.waitUntilAsleep();
     }
 

@@ -23,6 +23,7 @@
 #include "LogCapture.h"
 #include "SftpTest.h"
 #include "TcpProxy.h"
+#include "Wait.h"
 
 namespace {
 

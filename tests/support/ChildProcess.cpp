@@ -9,15 +9,14 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
 #include "FileText.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -167,11 +166,10 @@ bool ChildProcess::hasEnded() {
 }
 
 void ChildProcess::waitForError(const std::string& text) {
-    while (err().find(text) == std::string::npos) {
-        if (hasEnded() && err().find(text) == std::string::npos) {
-            throw std::runtime_error("the program ended without \"" + text + "\": " + err());
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const auto isThere = [&] { return err().find(text) != std::string::npos; };
+    waitUntil([&] { return hasEnded() || isThere(); });
+    if (!isThere()) {
+        throw std::runtime_error("the program ended without \"" + text + "\": " + err());
     }
 }
 

@@ -46,7 +46,7 @@ public:
 
     bool hasEnded();
 
-    /// Waits until standard error holds `text`; throws std::runtime_error when the program has ended without it.
+    /// Waits until standard error holds `text`; throws std::runtime_error when it never does.
     void waitForError(const std::string& text);
 
     /// Sends the program a signal unless it has ended.

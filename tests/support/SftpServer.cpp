@@ -4,16 +4,15 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <set>
 #include <stdexcept>
-#include <thread>
 
 #include "Pipe.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -108,17 +107,8 @@ std::string SftpServer::log() const {
 }
 
 std::string SftpServer::logWith(const std::string& text) const {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (true) {
-        std::string logged = log();
-        if (logged.find(text) != std::string::npos) {
-            return logged;
-        }
-        if (std::chrono::steady_clock::now() > end) {
-            throw std::runtime_error("the server's log does not hold \"" + text + "\" but \"" + logged + "\"");
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    waitUntil([&] { return log().find(text) != std::string::npos; });
+    return log();
 }
 
 std::vector<pid_t> SftpServer::processes(bool areSessionsOnly) const {

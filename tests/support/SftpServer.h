@@ -49,8 +49,8 @@ public:
 
     std::string log() const;
 
-    /// The log, once it holds the text: what a client is told is logged later. Throws std::runtime_error with the log
-    /// when it does not hold it within a minute.
+    /// The log, once it holds the text: what a client is told is logged later. The test fails when it does not come to
+    /// hold it.
     std::string logWith(const std::string& text) const;
 
     /// Ends the server and every session at once.
