@@ -52,8 +52,9 @@ foreach(reader IN ITEMS "agent tev-agent" "development libtev-dev")
     separate_arguments(reader)
     list(POP_FRONT reader component package)
     install(FILES
-        docs/abi-contract.md docs/architecture.md docs/configuration.md docs/managed-objects.md docs/model-files.md
-        docs/operator-guide.md docs/sftp.md docs/tev-agent.md docs/tev-agent.schema.json docs/writing-a-component.md
+        docs/abi-contract.md docs/architecture.md docs/check-items.md docs/configuration.md docs/managed-objects.md
+        docs/model-files.md docs/operator-guide.md docs/sftp.md docs/tev-agent.md docs/tev-agent.schema.json
+        docs/writing-a-component.md
         DESTINATION ${documentation}/${package} COMPONENT ${component})
     install(DIRECTORY examples DESTINATION ${documentation}/${package} COMPONENT ${component})
 endforeach()

@@ -10,6 +10,26 @@ _tev_agent_offer() {
     done
 }
 
+# Writes what bash makes of a word as it is typed: without its quotes, and with the user's home for ~/. Nothing else is
+# expanded.
+_tev_agent_meant() {
+    local word=$1 meant= quote= i
+    for ((i = 0; i < ${#word}; ++i)); do
+        case $quote${word:i:1} in
+            "'" | '"') quote=${word:i:1} ;;
+            "''" | '""') quote= ;;
+            '\') meant+=${word:$((++i)):1} ;;
+            '"\')
+                [[ ${word:i+1:1} != [\"\\\$\`] ]] || ((++i))
+                meant+=${word:i:1}
+                ;;
+            *) meant+=${word:i:1} ;;
+        esac
+    done
+    [[ $word != "~/"* ]] || meant=$HOME/${meant#"~/"}
+    printf %s "$meant"
+}
+
 # The schema ids of a node, one a line. No component is loaded that the command line names.
 _tev_agent_ids() {
     timeout 5 "$1" "${@:2}" --output json list 2>/dev/null </dev/null |
@@ -30,15 +50,15 @@ _tev_agent() {
         [[ $word != *[=:] ]] || isPiece=yes
     done
 
-    local command= positions=0 node=() option= i
+    local commands=(list get export check shell help) command= positions=0 node=() option= i
     local last=$((${#words[@]} - 1))
     for ((i = 1; i < last; ++i)); do
         case ${words[i]} in
             --node | --models | --objects)
                 option=${words[i]}
-                ((++i < last)) && node+=("$option" "${words[i]/#\~\//"$HOME/"}") && option=
+                ((++i < last)) && node+=("$option" "$(_tev_agent_meant "${words[i]}")") && option=
                 ;;
-            --node=* | --models=* | --objects=*) node+=("${words[i]}") ;;
+            --node=* | --models=* | --objects=*) node+=("$(_tev_agent_meant "${words[i]}")") ;;
             --component | --config | --log-file | --log-level | --output | --jobs | --password-file | --filter | --only | \
                 --class | --parent | --attribute | --time-limit)
                 option=${words[i]}
@@ -69,8 +89,8 @@ _tev_agent() {
             export) _tev_agent_offer "$current" --all --jobs --password-stdin --password-file ;;
             check) _tev_agent_offer "$current" --in-process --only --class --parent --attribute --time-limit ;;
         esac
-    elif [ -z "$command" ]; then
-        _tev_agent_offer "$current" list get export check shell
+    elif [[ -z $command || ($command == help && $positions -eq 0) ]]; then
+        _tev_agent_offer "$current" "${commands[@]}"
     elif [[ $command == @(get|export) && $positions -eq 0 && $current != *=* && ! " ${words[*]} " == *" --all "* ]]; then
         local ids
         mapfile -t ids < <(_tev_agent_ids "${words[0]}" "${node[@]}")

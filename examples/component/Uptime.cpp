@@ -45,7 +45,7 @@ bool isParent(const char* dn) {
 }
 
 bool isDnOfClass(const std::string& dn) {
-    const std::size_t comma = dn.find(',');
+    const std::size_t comma = dn.rfind(',');
     return comma != std::string::npos && isParent(dn.substr(0, comma).c_str()) &&
            dn.compare(comma + 1, 7, "Uptime=") == 0;
 }
@@ -113,6 +113,9 @@ TevReturnT newMoIterator(unsigned long txHandle, const char* parentDn, const cha
 TevReturnT nextMo(void* iterator, char** result) {
     if (result == nullptr) {
         return TevReturnInvalidArgument;
+    }
+    if (!isStarted) {
+        return TevReturnNotStarted;
     }
     const std::lock_guard<std::mutex> lock(mutex);
     for (auto& [txHandle, memory] : memories) {

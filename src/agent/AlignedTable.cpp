@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <iterator>
 #include <numeric>
+#include <optional>
 #include <string_view>
 
 #include "Utf8.h"
@@ -17,7 +17,8 @@ using Row = AlignedTable::Row;
 using Widths = std::vector<std::size_t>;
 
 constexpr std::size_t gap = 2;
-constexpr std::size_t narrowest = 8;  // of columns that had to give way
+constexpr std::size_t narrowest = 8;     // of columns that had to give way
+constexpr std::size_t longestWord = 20;  // of a cell that is never broken, in columns
 
 Widths widthsOf(const Row& header, const std::vector<Row>& rows) {
     Widths widths;
@@ -30,16 +31,78 @@ Widths widthsOf(const Row& header, const std::vector<Row>& rows) {
     return widths;
 }
 
-/// The widths when all columns and the gaps between them have `total`: the widest ones have given way, of two the
-/// latter.
-Widths fitted(Widths widths, std::size_t total) {
-    const std::size_t gaps = (widths.size() - 1) * gap;
-    const std::size_t available = total > gaps ? total - gaps : 0;
-    for (std::size_t& width : widths) {
-        width = std::min(width, available);
+/// Whether a text may go on in the next line with `next` behind `last`: before a blank, behind a mark, before a
+/// capital.
+bool isBeforeBlank(char, char next) {
+    return next == ' ';
+}
+bool isBehindMark(char last, char) {
+    return std::strchr(",;:/.-_", last) != nullptr;
+}
+bool isHump(char last, char next) {
+    return last >= 'a' && last <= 'z' && next >= 'A' && next <= 'Z';
+}
+
+/// How wide a column has to be so that no word of `text` is broken; those of further lines are one blank further in.
+std::size_t widestWord(std::string_view text) {
+    std::size_t widest = 0;
+    std::size_t begin = 0;
+    for (std::size_t end = 1; end <= text.size(); ++end) {
+        const bool isEnd = end == text.size() || isBeforeBlank(text[end - 1], text[end]) ||
+                           isBehindMark(text[end - 1], text[end]) || isHump(text[end - 1], text[end]);
+        if (isEnd) {
+            // Where the line is broken the blank in front is dropped, and the indent takes its place.
+            const bool isIndented = begin > 0 && text[begin] != ' ';
+            widest = std::max(widest, Utf8::columns(text.substr(begin, end - begin)) + (isIndented ? 1 : 0));
+            begin = end;
+        }
     }
-    for (std::size_t sum = std::accumulate(widths.begin(), widths.end(), std::size_t{0}); sum > available; --sum) {
-        --*std::max_element(widths.rbegin(), widths.rend());
+    return widest;
+}
+
+/// What the columns need at least: no title is broken in the middle of a word, and no cell but in a very long one.
+Widths leastOf(const Row& header, const std::vector<Row>& rows, const Widths& natural) {
+    Widths least;
+    std::transform(header.begin(), header.end(), natural.begin(), std::back_inserter(least),
+                   [](const std::string& title, std::size_t width) {
+                       return std::max(widestWord(title), std::min(width, narrowest));
+                   });
+    for (const Row& row : rows) {
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            least[column] = std::max(least[column], std::min(widestWord(row[column]), longestWord));
+        }
+    }
+    return least;
+}
+
+std::size_t sumOf(const Widths& widths) {
+    return std::accumulate(widths.begin(), widths.end(), std::size_t{0});
+}
+
+/// Takes one off the widest column that has more than it needs at least, of two the latter; false when there is none.
+bool giveWay(Widths& widths, const Widths& least) {
+    std::size_t* widest = nullptr;
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+        if (widths[column] > least[column] && (widest == nullptr || widths[column] >= *widest)) {
+            widest = &widths[column];
+        }
+    }
+    if (widest == nullptr) {
+        return false;
+    }
+    --*widest;
+    return true;
+}
+
+/// The widths when all columns have `total`: the widest ones have given way. Nothing when the words do not fit.
+std::optional<Widths> fitted(Widths widths, const Widths& least, std::size_t total) {
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+        widths[column] = std::max(least[column], std::min(widths[column], total));
+    }
+    while (sumOf(widths) > total) {
+        if (!giveWay(widths, least)) {
+            return std::nullopt;
+        }
     }
     return widths;
 }
@@ -47,10 +110,7 @@ Widths fitted(Widths widths, std::size_t total) {
 /// Where the first line of `text` ends best if it may have `limit` bytes: before a blank, else behind a mark, else
 /// before a capital.
 std::size_t endOfLine(std::string_view text, std::size_t limit) {
-    const auto isBlank = [](char, char next) { return next == ' '; };
-    const auto isBehindMark = [](char last, char) { return std::strchr(",;:/.-_", last) != nullptr; };
-    const auto isHump = [](char last, char next) { return last >= 'a' && last <= 'z' && next >= 'A' && next <= 'Z'; };
-    for (bool (*isEnd)(char, char) : {+isBlank, +isBehindMark, +isHump}) {
+    for (bool (*isEnd)(char, char) : {isBeforeBlank, isBehindMark, isHump}) {
         for (std::size_t end = limit; end > 0; --end) {
             if (isEnd(text[end - 1], text[end])) {
                 return end;
@@ -138,12 +198,13 @@ std::string AlignedTable::of(const Row& header, const std::vector<Row>& rows, co
     if (screen.width == 0) {
         return tableOf({header}, rows, natural, screen);
     }
-    const Widths widths = fitted(natural, screen.width);
-    const auto isTooNarrow = [](std::size_t width, std::size_t wanted) { return width < std::min(wanted, narrowest); };
-    if (!std::equal(widths.begin(), widths.end(), natural.begin(), std::not_fn(isTooNarrow))) {
+    const std::size_t gaps = (header.size() - 1) * gap;
+    const std::size_t available = screen.width > gaps ? screen.width - gaps : 0;
+    const std::optional<Widths> widths = fitted(natural, leastOf(header, rows, natural), available);
+    if (!widths) {
         return blocksOf(header, rows, screen);
     }
-    return tableOf(wrapped({header}, widths), wrapped(rows, widths), widths, screen);
+    return tableOf(wrapped({header}, *widths), wrapped(rows, *widths), *widths, screen);
 }
 
 }  // namespace TevAgent

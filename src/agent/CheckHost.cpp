@@ -37,6 +37,8 @@ std::vector<Model> models() {
     return {full, bare, similar};
 }
 
+constexpr const char* objectInterface = "DalOamSpiManagedObject";
+
 constexpr const char* objectTree = R"(
     <managedObjects>
       <mo class="ManagedElement" id="1">
@@ -67,6 +69,15 @@ ObjectStore storeOf(const std::string& file) {
     } catch (const Tev::TevException& e) {
         throw Failure(ExitStatus::NotStarted, e.what());
     }
+}
+
+/// The table that a component offers for an interface; null when it offers none.
+DalMgmtSpiInterface_1* tableOf(const DalMgmtSpiComponent_2& component, const char* interfaceName) {
+    DalMgmtSpiInterface_1** entry = component.interfaceArray;
+    while (*entry != nullptr && std::strcmp((*entry)->interfaceName, interfaceName) != 0) {
+        ++entry;
+    }
+    return *entry;
 }
 
 const char* textOrNull(const std::string& text) {
@@ -203,16 +214,31 @@ void CheckHost::unload() {
     demand("dlclose", [this] { return Loader::unload(std::exchange(handle, nullptr)); });
 }
 
+const Route* CheckHost::routeTo(const DalMgmtSpiComponent_2& table) const {
+    const auto found = std::find_if(routes.begin(), routes.end(), [&](const Route& route) {
+        return route.component == table.base.componentName &&
+               (subject.className.empty() || route.className == subject.className);
+    });
+    return found == routes.end() ? nullptr : &*found;
+}
+
+const DalMgmtSpiComponent_2& CheckHost::owner() const {
+    const std::vector<DalMgmtSpiComponent_2*> tables = recorder.registered();
+    auto found = std::find_if(tables.begin(), tables.end(), [this](const auto* table) { return routeTo(*table); });
+    if (found == tables.end()) {
+        found = std::find_if(tables.begin(), tables.end(),
+                             [](const auto* table) { return tableOf(*table, objectInterface); });
+    }
+    return found == tables.end() ? component() : **found;
+}
+
 template <class Table>
 Table& CheckHost::offered(const char* interfaceName) const {
-    for (const DalMgmtSpiComponent_2* const table : recorder.registered()) {
-        for (DalMgmtSpiInterface_1** entry = table->interfaceArray; *entry != nullptr; ++entry) {
-            if (std::strcmp((*entry)->interfaceName, interfaceName) == 0) {
-                return *reinterpret_cast<Table*>(*entry);
-            }
-        }
+    DalMgmtSpiInterface_1* const table = tableOf(owner(), interfaceName);
+    if (table == nullptr) {
+        CheckEnd::skip(std::string("it offers no ") + interfaceName);
     }
-    CheckEnd::skip(std::string("it offers no ") + interfaceName);
+    return *reinterpret_cast<Table*>(table);
 }
 
 DalOamSpiTransactionalResource_2& CheckHost::resource() const {
@@ -220,22 +246,14 @@ DalOamSpiTransactionalResource_2& CheckHost::resource() const {
 }
 
 DalOamSpiManagedObject_1& CheckHost::objects() const {
-    return offered<DalOamSpiManagedObject_1>("DalOamSpiManagedObject");
-}
-
-const Route* CheckHost::route() const {
-    const char* const owner = objects().base.componentName;
-    const auto found = std::find_if(routes.begin(), routes.end(), [&](const Route& route) {
-        return route.component == owner && (subject.className.empty() || route.className == subject.className);
-    });
-    return found == routes.end() ? nullptr : &*found;
+    return offered<DalOamSpiManagedObject_1>(objectInterface);
 }
 
 std::string CheckHost::className() const {
     if (!subject.className.empty()) {
         return subject.className;
     }
-    const Route* const own = route();
+    const Route* const own = routeTo(owner());
     if (own == nullptr) {
         CheckEnd::skip("no route leads to component " + std::string(objects().base.componentName) +
                        "; name its class with --class, and where it stands with --parent");
@@ -244,7 +262,7 @@ std::string CheckHost::className() const {
 }
 
 std::string CheckHost::parent() const {
-    const Route* const own = route();
+    const Route* const own = routeTo(owner());
     if (!subject.parent.empty() || own == nullptr) {
         return subject.parent;
     }

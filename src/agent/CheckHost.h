@@ -102,7 +102,11 @@ private:
 
     template <class Table>
     Table& offered(const char* interfaceName) const;
-    const Route* route() const;
+
+    /// Of the components that the library registered the one that is checked: whose class is routed to, else the first
+    /// that offers managed objects, else the first.
+    const DalMgmtSpiComponent_2& owner() const;
+    const Route* routeTo(const DalMgmtSpiComponent_2& table) const;
     void endLife();
 
     const CheckSubject& subject;

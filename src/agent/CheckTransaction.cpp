@@ -1,9 +1,9 @@
 #include "CheckTransaction.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "Interruption.h"
-#include "Utf8.h"
 #include "ValueText.h"
 
 namespace TevAgent {
@@ -11,19 +11,18 @@ namespace TevAgent {
 namespace {
 
 /// Where a listing is taken for endless.
-constexpr std::size_t mostKeys = 100000;
+constexpr std::size_t mostKeys = 1000000;
 
-/// Finds what is wrong with values.
+/// Finds out whether values can be looked at.
 void verify(const std::string& what, const DalMoAttributeValueContainer* container) {
     if (container != nullptr && (container->type < DalMoTypeInt8 || container->type > DalMoTypeDouble)) {
         CheckEnd::fail(what + ": there is no type " + std::to_string(container->type));
     }
+    if (container != nullptr && container->nrOfValues != 0 && container->values == nullptr) {
+        CheckEnd::fail(what + ": the value container has no cells");
+    }
     try {
-        for (const std::string& text : CheckTransaction::texts(container)) {
-            if (Utf8::repaired(text) != text) {
-                CheckEnd::fail(what + " is not UTF-8");
-            }
-        }
+        CheckTransaction::texts(container);
     } catch (const std::invalid_argument& e) {
         CheckEnd::fail(what + ": " + e.what());
     }
@@ -75,6 +74,17 @@ std::vector<char*> CheckTransaction::someKeys() {
     return keys;
 }
 
+bool CheckTransaction::isSteady() {
+    const std::vector<char*> listed = rest(list());
+    const std::vector<std::string> first(listed.begin(), listed.end());
+    bool isSame = true;
+    for (int count = 0; count < 3; ++count) {
+        const std::vector<char*> again = rest(list());
+        isSame = isSame && std::equal(again.begin(), again.end(), first.begin(), first.end());
+    }
+    return isSame;
+}
+
 const DalMoAttributeValueContainer& CheckTransaction::read(const std::string& dn, const std::string& attribute) {
     Interruption::check();
     const std::string what = attribute + " of " + dn;
@@ -92,6 +102,24 @@ const DalMoAttributeValueContainer& CheckTransaction::read(const std::string& dn
 std::vector<std::string> CheckTransaction::texts(const DalMoAttributeValueContainer* container) {
     const bool isStruct = container != nullptr && container->type == DalMoTypeStruct;
     return isStruct ? std::vector<std::string>() : ValueText::of(container);
+}
+
+void CheckTransaction::end(bool isCommitted, const std::function<void(const char* operation)>& tell) {
+    DalOamSpiTransactionalResource_2& resource = host.resource();
+    const auto call = [&](const char* operation, auto function) {
+        host.call(operation, function);
+        tell(operation);
+    };
+    transaction.release();
+    if (isCommitted) {
+        bool isValid = false;
+        call("validate", [&] { return resource.validate(handle(), &isValid); });
+        call("prepare", [&] { return resource.prepare(handle()); });
+        call("commit", [&] { return resource.commit(handle()); });
+    } else {
+        call("abort", [&] { return resource.abort(handle()); });
+    }
+    host.call("finish", [&] { return resource.finish(handle()); });
 }
 
 void CheckTransaction::commit() {

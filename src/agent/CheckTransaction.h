@@ -1,6 +1,7 @@
 #ifndef TEV_AGENT_CHECK_TRANSACTION_H
 #define TEV_AGENT_CHECK_TRANSACTION_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,7 +31,10 @@ public:
     /// The keys of a new listing. The item is skipped when there is none.
     std::vector<char*> someKeys();
 
-    /// Reads an attribute. The container is there and well-formed.
+    /// Whether a few listings in a row show the same keys: not so where instances come and go by themselves.
+    bool isSteady();
+
+    /// Reads an attribute. The container is there, of a known type, and has its cells.
     const DalMoAttributeValueContainer& read(const std::string& dn, const std::string& attribute);
 
     /// The values as texts; none for a struct, whose cells nobody tells how to read. Throws std::invalid_argument as
@@ -38,6 +42,10 @@ public:
     static std::vector<std::string> texts(const DalMoAttributeValueContainer* container);
 
     void commit();
+
+    /// Ends the component's part by itself, whatever it returns, and tells each operation once it is done, but for
+    /// finish, which is still to come.
+    void end(bool isCommitted, const std::function<void(const char* operation)>& tell);
 
 private:
     CheckHost& host;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <set>
 #include <sstream>
 #include <system_error>
@@ -11,6 +12,7 @@
 
 #include "ComponentCheck.h"
 #include "Failure.h"
+#include "HelpFormatter.h"
 #include "LoggingWrapper.h"
 #include "RouteTable.h"
 #include "SchemaClass.h"
@@ -138,6 +140,11 @@ void addCheck(CLI::App& app, Settings& settings) {
         ->check(CLI::Range(1, 3600).description(""));
 }
 
+void addHelp(CLI::App& app, Settings& settings) {
+    addCommand(app, settings, "help", Settings::Command::Help, "Shows the commands, or the usage of one")
+        ->add_option("COMMAND", settings.target, "The command; all of them when absent");
+}
+
 /// What only the program is asked for.
 void addShell(CLI::App& app, Settings& settings) {
     addCommand(app, settings, "shell", Settings::Command::Shell,
@@ -145,9 +152,7 @@ void addShell(CLI::App& app, Settings& settings) {
 }
 
 /// What only a line of the shell asks for.
-void addLineCommands(CLI::App& app, Settings& settings) {
-    addCommand(app, settings, "help", Settings::Command::Help, "Shows the commands, or the usage of one")
-        ->add_option("COMMAND", settings.target, "The command; all of them when absent");
+void addLineCommand(CLI::App& app, Settings& settings) {
     addCommand(app, settings, "quit", Settings::Command::Quit, "Ends the shell, as Ctrl-D does")->alias("exit");
 }
 
@@ -269,14 +274,13 @@ void verify(const Settings& settings) {
 /// What the help of a command shows below its options; a command stands behind `prefix`.
 void addExamples(CLI::App& app, const std::string& prefix, const std::string& more) {
     const std::map<std::string, std::vector<std::string>> examples = {
-        {"list", {"list", "list --output json"}},
+        {"list", {"list", "list --filter 'Transport*'", "list --output json"}},
         {"get", {"get TransportModel", "get TransportModel version selectedModelOptions"}},
         {"export",
-         {"export TransportModel sftp://operator@backup.example/models/",
-          "export --all --jobs 8 sftp://operator@backup.example/models/ --password-file secret"}},
+         {"export TransportModel sftp://operator@backup/models/",
+          "export --all --jobs 8 sftp://operator@backup/models/"}},
         {"check", {"check", "check build/release/lib/libtev_schema_populator.so"}},
         {"shell", {"shell", "shell < commands.txt"}},
-        {"help", {"help", "help export"}},
     };
     for (CLI::App* const command : app.get_subcommands({})) {
         const auto found = examples.find(command->get_name());
@@ -294,8 +298,9 @@ void addExamples(CLI::App& app, const std::string& prefix, const std::string& mo
 /// The parser of the program's arguments, or of a line.
 class Parser {
 public:
-    explicit Parser(bool isOfLine, Settings initial = {})
+    Parser(bool isOfLine, const Screen& screen, Settings initial = {})
         : settings(std::move(initial)), app(isOfLine ? "" : aboutTheProgram, isOfLine ? "" : "tev-agent") {
+        app.formatter(std::make_shared<HelpFormatter>(screen.width == 0 ? Screen::usualWidth : screen.width));
         app.require_subcommand(0, 1);  // that there is one is verified last, so that an unknown one is named
         app.get_formatter()->label("SUBCOMMAND", "COMMAND");
         app.fallthrough();  // the options may stand behind the command, too
@@ -307,6 +312,7 @@ public:
         } else {
             app.set_version_flag("--version", "tev-agent " TEV_VERSION, "Show the version");
             addShell(app, settings);
+            addHelp(app, settings);
             addExamples(app, "tev-agent --node DIR ",
                         "The options of tev-agent (tev-agent --help) may stand here, too.");
         }
@@ -389,7 +395,8 @@ private:
                 option->group("");
             }
         }
-        addLineCommands(app, settings);
+        addHelp(app, settings);
+        addLineCommand(app, settings);
         addExamples(app, "", "");
         app.footer(
             "The node's files and the components are those of the time when the shell began.\n"
@@ -419,33 +426,45 @@ Settings withHint(const char* hint, Function&& function) {
     }
 }
 
-/// What `help` shows, of the command that it names, if any.
-std::string helpOf(const std::string& command) {
-    const std::vector<std::string> known = CommandLine::lineCommands();
+std::vector<std::string> commandsOf(const Parser& parser) {
+    std::vector<std::string> names;
+    for (const CLI::App* const command : parser.app.get_subcommands({})) {
+        names.push_back(command->get_name());
+        names.insert(names.end(), command->get_aliases().begin(), command->get_aliases().end());
+    }
+    return names;
+}
+
+/// What `help` shows, of the command that it names, if any; `parser` has parsed nothing.
+std::string helpOf(Parser&& parser, const std::string& command) {
+    const std::vector<std::string> known = commandsOf(parser);
     if (!command.empty() && std::find(known.begin(), known.end(), command) == known.end()) {
         refuse("there is no command " + command);
     }
-    Parser parser(true);
     parser.app.require_subcommand(1);  // the usage shows it as required
-    return command.empty() ? parser.app.help() : parser.app.get_subcommand(command)->help();
+    return command.empty() ? parser.app.help() : parser.app.get_subcommand(command)->help(parser.app.get_name());
 }
 
 }  // namespace
 
-Settings CommandLine::parse(int argumentCount, const char* const* arguments) {
+Settings CommandLine::parse(int argumentCount, const char* const* arguments, const Screen& screen) {
     return withHint(" (tev-agent --help shows the usage)", [&] {
-        Parser parser(false);
+        Parser parser(false, screen);
         parser.take(argumentCount, arguments);
-        if (parser.settings.information.empty()) {
+        Settings& settings = parser.settings;
+        if (settings.information.empty() && settings.command == Settings::Command::Help) {
+            settings.information = helpOf(Parser(false, screen), settings.target);
+        }
+        if (settings.information.empty()) {
             parser.finish();
         }
-        return parser.settings;
+        return settings;
     });
 }
 
-Settings CommandLine::parseLine(const std::vector<std::string>& words, const Settings& session) {
+Settings CommandLine::parseLine(const std::vector<std::string>& words, const Settings& session, const Screen& screen) {
     return withHint(" (help shows the usage)", [&] {
-        Parser parser(true, session);
+        Parser parser(true, screen, session);
         std::vector<const char*> arguments = {""};
         for (const std::string& word : words) {
             arguments.push_back(word.c_str());
@@ -460,7 +479,7 @@ Settings CommandLine::parseLine(const std::vector<std::string>& words, const Set
             refuse(option.substr(0, option.find('=')) + " holds for the whole shell, and stands before its name");
         }
         if (settings.command == Settings::Command::Help) {
-            settings.information = helpOf(settings.target);
+            settings.information = helpOf(Parser(true, screen), settings.target);
             return settings;
         }
         settings.arguments = session.nodeOptions;
@@ -475,17 +494,11 @@ Settings CommandLine::parseLine(const std::vector<std::string>& words, const Set
 }
 
 std::vector<std::string> CommandLine::lineCommands() {
-    const Parser parser(true);
-    std::vector<std::string> names;
-    for (const CLI::App* const command : parser.app.get_subcommands({})) {
-        names.push_back(command->get_name());
-        names.insert(names.end(), command->get_aliases().begin(), command->get_aliases().end());
-    }
-    return names;
+    return commandsOf(Parser(true, {}));
 }
 
 std::map<std::string, bool> CommandLine::lineOptions(const std::string& command) {
-    const Parser parser(true);
+    const Parser parser(true, {});
     std::map<std::string, bool> options;
     const auto add = [&](const CLI::App& app) {
         for (const CLI::Option* const option : app.get_options()) {

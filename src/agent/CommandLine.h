@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Screen.h"
 #include "Settings.h"
 
 namespace TevAgent {
@@ -12,11 +13,14 @@ namespace TevAgent {
 /// The program's arguments, and the lines of its shell.
 class CommandLine {
 public:
-    /// Takes the arguments of `main` apart. Throws `Failure` (wrong usage) with what is wrong.
-    static Settings parse(int argumentCount, const char* const* arguments);
+    /// Takes the arguments of `main` apart. What is shown of the usage fits `screen`, and 80 columns where that has no
+    /// width. Throws `Failure` (wrong usage) with what is wrong.
+    static Settings parse(int argumentCount, const char* const* arguments, const Screen& screen = {});
 
-    /// Takes the words of a line apart that a shell with the settings `session` was given. Throws as `parse`.
-    static Settings parseLine(const std::vector<std::string>& words, const Settings& session);
+    /// Takes the words of a line apart that a shell with the settings `session` was given. `screen` and what is
+    /// thrown as for `parse`.
+    static Settings parseLine(const std::vector<std::string>& words, const Settings& session,
+                              const Screen& screen = {});
 
     /// The names of the commands that a line may begin with.
     static std::vector<std::string> lineCommands();

@@ -12,6 +12,7 @@
 
 #include "ComponentCheck.h"
 #include "Diagnostics.h"
+#include "ExportUri.h"
 #include "Failure.h"
 #include "Interruption.h"
 #include "ItemProcess.h"
@@ -114,11 +115,19 @@ void sayChosen(const ObjectReader& reader, const std::string& parentDn, std::map
     sayRepeated(repeated, "chosen");
 }
 
-Password passwordFrom(const Settings& settings) {
+/// The password for an export of `dn`. Nobody is asked for one that the component would not use.
+Password passwordFrom(const Settings& settings, const std::string& dn) {
     if (settings.isPasswordFromInput) {
         return Password::fromInput();
     }
-    return settings.passwordFile.empty() ? Password::ask() : Password::fromFile(settings.passwordFile);
+    if (!settings.passwordFile.empty()) {
+        return Password::fromFile(settings.passwordFile);
+    }
+    const ExportUri uri(settings.uri);
+    if (SchemaClass::isClassOf(dn) && !uri.isSftp()) {
+        throw Failure(ExitStatus::WrongUsage, "models are sent to sftp://USER@HOST[:PORT]/PATH only; correct the URI");
+    }
+    return Password::ask(uri.account());
 }
 
 }  // namespace
@@ -192,7 +201,10 @@ ExitStatus Commands::get(Agent& agent) {
 
 ExitStatus Commands::exportOne(Agent& agent) {
     const ExportRun::Export wanted = namedExport(agent);
-    const Password password = passwordFrom(settings);
+    if (settings.output == Settings::Output::Json) {
+        return exportAndTell(agent, {wanted});
+    }
+    const Password password = passwordFrom(settings, wanted.dn);
     const auto tell = [](const ExportResult&) {};
     const ExportResult result = ExportRun(agent, settings.uri, password).run({wanted}, 1, tell).front();
     if (!result.isExported) {
@@ -230,32 +242,41 @@ ExportRun::Export Commands::namedExport(Agent& agent) const {
 
 ExitStatus Commands::exportEvery(Agent& agent) {
     const std::vector<ExportRun::Export> wanted = everyExport(agent);
-    const bool isTable = settings.output == Settings::Output::Table;
     if (wanted.empty()) {
         Diagnostics::say("there is no model to export; files of models belong into " + settings.models);
-        output.write(isTable ? "" : JsonText::of(std::vector<ExportResult>()));
+        output.write(settings.output == Settings::Output::Table ? "" : JsonText::of(std::vector<ExportResult>()));
         return ExitStatus::Done;
     }
-    const Password password = passwordFrom(settings);
+    return exportAndTell(agent, wanted);
+}
+
+ExitStatus Commands::exportAndTell(Agent& agent, const std::vector<ExportRun::Export>& wanted) {
+    const bool isTable = settings.output == Settings::Output::Table;
+    const Password password = passwordFrom(settings, wanted.front().dn);
     std::optional<Failure> lost;
-    const auto tell = [&](const ExportResult& result) {
+    const auto write = [&](const std::string& text) {
         try {
-            output.write(isTable && !lost ? TableText::of(result, output.screen()) : "");
+            output.write(lost ? "" : text);
         } catch (const Failure& e) {
             // The exports go on: that nobody reads of them is no reason to leave some undone.
             lost = e;
         }
     };
+    const auto tell = [&](const ExportResult& result) { write(isTable ? TableText::of(result, output.screen()) : ""); };
     const std::vector<ExportResult> results = ExportRun(agent, settings.uri, password).run(wanted, settings.jobs, tell);
-    if (lost) {
+    write(isTable ? TableText::summaryOf(results) : JsonText::of(results));
+    const auto isExported = [](const ExportResult& result) { return result.isExported; };
+    const bool isDone = std::all_of(results.begin(), results.end(), isExported);
+    if (lost && (isDone || lost->status() != ExitStatus::ReaderGone)) {
         throw Failure(*lost);
     }
-    output.write(isTable ? "" : JsonText::of(results));
-    const auto isExported = [](const ExportResult& result) { return result.isExported; };
-    if (std::all_of(results.begin(), results.end(), isExported)) {
+    if (isDone) {
         return ExitStatus::Done;
     }
     Interruption::check();
+    if (lost) {
+        Diagnostics::say("not every model was exported, and nobody reads which");
+    }
     return ExitStatus::OperationFailed;
 }
 

@@ -34,6 +34,9 @@ private:
     ExportRun::Export namedExport(Agent& agent) const;
     ExitStatus exportEvery(Agent& agent);
     static std::vector<ExportRun::Export> everyExport(Agent& agent);
+
+    /// Carries the exports out, at least one, and writes how each came out.
+    ExitStatus exportAndTell(Agent& agent, const std::vector<ExportRun::Export>& wanted);
     ExitStatus check();
     CheckSubject checkSubject() const;
 

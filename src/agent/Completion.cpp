@@ -20,32 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A line's words behind its command.
-struct Arguments {
-    Arguments(const std::vector<std::string>& before, const std::map<std::string, bool>& options) {
-        for (std::size_t i = 1; i < before.size(); ++i) {
-            const auto option = options.find(before[i]);
-            if (!awaiting.empty()) {
-                awaiting.clear();
-            } else if (!areOptionsOver && before[i] == "--") {
-                areOptionsOver = true;
-            } else if (!areOptionsOver && option != options.end()) {
-                flags.push_back(before[i]);
-                awaiting = option->second ? before[i] : "";
-            } else if (areOptionsOver || before[i].substr(0, 1) != "-") {
-                positional.push_back(before[i]);
-            }
-        }
-    }
-
-    bool has(const std::string& flag) const { return std::find(flags.begin(), flags.end(), flag) != flags.end(); }
-
-    std::vector<std::string> positional;
-    std::vector<std::string> flags;  ///< options that are there
-    std::string awaiting;            ///< the one whose value comes next, if any
-    bool areOptionsOver = false;
-};
-
 std::vector<std::string> filesAt(const std::string& begun) {
     const std::size_t slash = begun.rfind('/');
     const std::string folder = slash == std::string::npos ? "" : begun.substr(0, slash + 1);
@@ -77,16 +51,54 @@ void append(std::vector<std::string>& list, const std::vector<std::string>& more
     list.insert(list.end(), more.begin(), more.end());
 }
 
+bool beginsWith(const std::string& word, const std::string& begun) {
+    return word.compare(0, begun.size(), begun) == 0;
+}
+
+template <class Predicate>
+void eraseIf(std::vector<std::string>& words, Predicate&& isUnwanted) {
+    words.erase(std::remove_if(words.begin(), words.end(), isUnwanted), words.end());
+}
+
 }  // namespace
+
+/// A line's words behind its command.
+struct Completion::Arguments {
+    Arguments(const std::vector<std::string>& before, const std::map<std::string, bool>& options) {
+        for (std::size_t i = 1; i < before.size(); ++i) {
+            const auto option = options.find(before[i]);
+            if (!awaiting.empty()) {
+                awaiting.clear();
+            } else if (!areOptionsOver && before[i] == "--") {
+                areOptionsOver = true;
+            } else if (!areOptionsOver && option != options.end()) {
+                flags.push_back(before[i]);
+                awaiting = option->second ? before[i] : "";
+            } else if (areOptionsOver || !beginsWith(before[i], "-")) {
+                positional.push_back(before[i]);
+            }
+        }
+    }
+
+    bool has(const std::string& flag) const { return std::find(flags.begin(), flags.end(), flag) != flags.end(); }
+
+    std::vector<std::string> positional;
+    std::vector<std::string> flags;  ///< options that are there
+    std::string awaiting;            ///< the one whose value comes next, if any
+    bool areOptionsOver = false;
+};
 
 std::vector<std::string> Completion::candidates(const std::vector<std::string>& before,
                                                 const std::string& begun) const {
     std::vector<std::string> found = all(before, begun);
-    const auto isOther = [&](const std::string& word) { return word.compare(0, begun.size(), begun) != 0; };
-    found.erase(std::remove_if(found.begin(), found.end(), isOther), found.end());
+    eraseIf(found, [&](const std::string& word) { return !beginsWith(word, begun); });
     std::sort(found.begin(), found.end());
     found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
+}
+
+std::size_t Completion::beginOfLevel(const std::string& word) {
+    return word.find('=') == std::string::npos ? 0 : word.rfind(',') + 1;
 }
 
 bool Completion::isWhole(const std::string& candidate) {
@@ -99,43 +111,70 @@ std::vector<std::string> Completion::all(const std::vector<std::string>& before,
     if (before.empty() || (before.front() == "help" && before.size() == 1)) {
         return CommandLine::lineCommands();
     }
-    const std::string& command = before.front();
-    const std::map<std::string, bool> options = CommandLine::lineOptions(command);
+    const std::map<std::string, bool> options = CommandLine::lineOptions(before.front());
     const Arguments arguments(before, options);
-    if (arguments.awaiting == "--output") {
+    const bool isValue = !arguments.awaiting.empty();
+    std::vector<std::string> words;
+    if (!isValue && !arguments.areOptionsOver && beginsWith(begun, "-")) {
+        std::transform(options.begin(), options.end(), std::back_inserter(words),
+                       [](const auto& option) { return option.first; });
+        return words;
+    }
+    words = isValue ? valuesOf(arguments.awaiting, begun) : positional(before.front(), arguments, begun);
+    if (!arguments.areOptionsOver) {
+        eraseIf(words, [](const std::string& word) { return beginsWith(word, "-"); });  // it would be an option
+    }
+    return words;
+}
+
+std::vector<std::string> Completion::valuesOf(const std::string& option, const std::string& begun) {
+    if (option == "--output") {
         return {"json", "table"};
     }
-    if (arguments.awaiting == "--password-file") {
-        return filesAt(begun);
+    return option == "--password-file" ? filesAt(begun) : std::vector<std::string>();
+}
+
+std::vector<std::string> Completion::positional(const std::string& command, const Arguments& arguments,
+                                                const std::string& begun) const {
+    const std::vector<std::string>& there = arguments.positional;
+    if (command == "get" && !there.empty()) {
+        std::vector<std::string> names = attributesOf(there.front());
+        eraseIf(names, [&](const std::string& name) {
+            return std::find(there.begin() + 1, there.end(), name) != there.end();
+        });
+        return names;
     }
-    if (!arguments.awaiting.empty()) {
+    if (!there.empty()) {
         return {};
     }
-    if (!arguments.areOptionsOver && begun.substr(0, 1) == "-") {
-        std::vector<std::string> names;
-        std::transform(options.begin(), options.end(), std::back_inserter(names),
-                       [](const auto& option) { return option.first; });
-        return names;
-    }
-    const std::vector<std::string>& positional = arguments.positional;
-    if (command == "check" && positional.empty()) {
+    if (command == "check") {
         return filesAt(begun);
     }
-    if (command == "get" && !positional.empty()) {
-        std::vector<std::string> names = attributesOf(positional.front());
-        const auto isThere = [&](const std::string& name) {
-            return std::find(positional.begin() + 1, positional.end(), name) != positional.end();
-        };
-        names.erase(std::remove_if(names.begin(), names.end(), isThere), names.end());
-        return names;
-    }
     const bool isTarget = command == "get" || (command == "export" && !arguments.has("--all"));
-    return isTarget && positional.empty() ? targets(begun) : std::vector<std::string>();
+    return isTarget ? targets(begun) : std::vector<std::string>();
 }
 
 std::vector<std::string> Completion::targets(const std::string& begun) const {
-    const std::size_t comma = begun.rfind(',');
-    const std::string parentDn = comma == std::string::npos ? "" : begun.substr(0, comma);
+    std::vector<std::string> found = objectsAt(begun);
+    if (begun.find('=') == std::string::npos) {
+        try {
+            append(found, keys(agent.schemaParent(), SchemaClass::name));
+        } catch (const Failure&) {
+            // There is no place where schemas could stand.
+        }
+        return found;
+    }
+    eraseIf(found, [&](const std::string& dn) { return !beginsWith(dn, begun); });
+    if (found == std::vector<std::string>{begun}) {
+        const std::vector<std::string> children = objectsAt(begun + ",");
+        return children.empty() ? found : children;
+    }
+    return found;
+}
+
+std::vector<std::string> Completion::objectsAt(const std::string& begun) const {
+    const std::size_t level = beginOfLevel(begun);
+    const std::string parentDn = begun.substr(0, level == 0 ? 0 : level - 1);
     std::vector<std::string> rdns = agent.objects().children(parentDn);
     const std::vector<std::string> parents = classesOf(parentDn);
     for (const Route& route : agent.routes()) {
@@ -147,14 +186,7 @@ std::vector<std::string> Completion::targets(const std::string& begun) const {
     }
     std::vector<std::string> found;
     std::transform(rdns.begin(), rdns.end(), std::back_inserter(found),
-                   [&](const std::string& rdn) { return (parentDn.empty() ? "" : parentDn + ",") + rdn; });
-    if (begun.find('=') == std::string::npos) {
-        try {
-            append(found, keys(agent.schemaParent(), SchemaClass::name));
-        } catch (const Failure&) {
-            // There is no place where schemas could stand.
-        }
-    }
+                   [&](const std::string& rdn) { return begun.substr(0, level) + rdn; });
     return found;
 }
 

@@ -12,7 +12,9 @@ ExitStatus Ending::of(const std::function<ExitStatus()>& command) {
     try {
         return command();
     } catch (const Failure& e) {
-        Diagnostics::say(e.what());
+        if (e.status() != ExitStatus::ReaderGone) {
+            Diagnostics::say(e.what());
+        }
         return e.status();
     } catch (const Interrupted& e) {
         Diagnostics::say(e.what());

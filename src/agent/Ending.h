@@ -11,6 +11,7 @@ namespace TevAgent {
 class Ending {
 public:
     /// Carries out `command`. Returns what it returns; when it throws, says why and returns the status of that.
+    /// Of a reader who has gone away nothing is said: whoever ends the reading knows.
     static ExitStatus of(const std::function<ExitStatus()>& command);
 };
 

@@ -10,7 +10,8 @@ enum class ExitStatus {
     WrongUsage = 2,
     NotStarted = 3,            ///< the agent could not start: its inputs or a component cannot be used
     BroughtDown = NotStarted,  ///< a component did not return from `stop`, or called `exit`
-    Interrupted = 130
+    Interrupted = 130,
+    ReaderGone = 141  ///< nobody reads the results any more; as a shell has it for programs that SIGPIPE ends
 };
 
 }  // namespace TevAgent

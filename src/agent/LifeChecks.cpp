@@ -14,6 +14,7 @@
 
 #include "CheckTransaction.h"
 #include "Failure.h"
+#include "ProcessState.h"
 #include "TableCheck.h"
 #include "TemporaryFile.h"
 
@@ -174,12 +175,7 @@ std::string dependencyArray(CheckHost& host) {
 
 std::string extraArray(CheckHost& host) {
     for (const DalMgmtSpiComponent_2* const table : tablesOf(host)) {
-        for (DalMgmtSpiInterface_1** entry = table->extraArray; *entry != nullptr; ++entry) {
-            if ((*entry)->componentName == nullptr || (*entry)->interfaceName == nullptr ||
-                (*entry)->interfaceVersion == nullptr) {
-                CheckEnd::fail("an entry has no component name, interface name or version");
-            }
-        }
+        failWith(TableCheck::faultOfExtras(*table));
     }
     return "";
 }
@@ -221,22 +217,77 @@ std::string declaredDependencies(CheckHost& host) {
         const bool isDeclared = std::any_of(
             wanted.begin(), wanted.end(), [&id](const InterfaceId& other) { return other.component == id.component; });
         if (!isDeclared && id.component != TransactionService::componentName) {
-            CheckEnd::warn("start asked for " + id.text() + ", which is no declared dependency");
+            CheckEnd::warn("it asked for " + id.text() + ", which is no declared dependency");
         }
     }
     return "";
 }
 
-std::string notStarted(CheckHost& host) {
-    host.initialize();
-    DalOamSpiTransactionalResource_2& resource = host.resource();
-    const ScopedTransaction transaction(host.transactions());
-    const TevReturnT code = host.call("join", [&] { return resource.join(transaction.handle()); });
+/// `call`, made while the component is not started, was to return 2.
+void verifyNotStarted(const std::string& call, TevReturnT code) {
     if (code == TevReturnOk) {
-        CheckEnd::fail("join returned 0 before start");
+        CheckEnd::fail(call + " returned 0");
     }
     if (code != TevReturnNotStarted) {
-        CheckEnd::warn("join returned " + ReturnCode::text(code) + " before start, not 2");
+        CheckEnd::warn(call + " returned " + ReturnCode::text(code) + ", not 2");
+    }
+}
+
+std::string verifyNotJoined(CheckHost& host, const std::string& when) {
+    DalOamSpiTransactionalResource_2& resource = host.resource();
+    const ScopedTransaction transaction(host.transactions());
+    verifyNotStarted("join " + when, host.call("join", [&] { return resource.join(transaction.handle()); }));
+    return "";
+}
+
+std::string joinsNotBeforeStart(CheckHost& host) {
+    host.initialize();
+    return verifyNotJoined(host, "before start");
+}
+
+std::string joinsNotAfterStop(CheckHost& host) {
+    host.start();
+    host.stop();
+    return verifyNotJoined(host, "after stop");
+}
+
+std::string answersOnlyStarted(CheckHost& host) {
+    host.start();
+    CheckTransaction transaction(host);
+    DalOamSpiManagedObject_1& objects = host.objects();
+    const std::string dn = host.dnOf(transaction.someKeys().front());
+    const std::string attribute = host.attributes().front();
+    const std::string parent = host.parent();
+    const std::string className = host.className();
+    void* iterator = transaction.list();
+    host.stop();
+    DalMoAttributeValueContainer* container = nullptr;
+    char* key = nullptr;
+    verifyNotStarted("getMoAttribute after stop", host.call("getMoAttribute", [&] {
+        return objects.getMoAttribute(transaction.handle(), dn.c_str(), attribute.c_str(), &container);
+    }));
+    verifyNotStarted("nextMo after stop", host.call("nextMo", [&] { return objects.nextMo(iterator, &key); }));
+    verifyNotStarted("newMoIterator after stop", host.call("newMoIterator", [&] {
+        return objects.newMoIterator(transaction.handle(), parent.c_str(), className.c_str(), &iterator);
+    }));
+    return "";
+}
+
+std::string listsAfterRestart(CheckHost& host) {
+    bool isSteady = true;
+    const auto keys = [&] {
+        CheckTransaction transaction(host);
+        const std::vector<char*> listed = transaction.rest(transaction.list());
+        std::vector<std::string> texts(listed.begin(), listed.end());
+        isSteady = isSteady && transaction.isSteady();
+        return texts;
+    };
+    host.start();
+    const std::vector<std::string> before = keys();
+    host.stop();
+    host.start();
+    if (keys() != before && isSteady) {
+        CheckEnd::warn("it lists other keys than before it was stopped and started");
     }
     return "";
 }
@@ -361,6 +412,17 @@ std::string leavesNoDescriptor(CheckHost& host) {
     return "";
 }
 
+std::string leavesProcessAsItWas(CheckHost& host) {
+    const ProcessState before;
+    live(host);
+    host.unload();
+    const std::string change = ProcessState().changeSince(before);
+    if (!change.empty()) {
+        CheckEnd::warn("it changed " + change);
+    }
+    return "";
+}
+
 std::string leavesNoThread(CheckHost& host) {
     live(host);
     host.unload();
@@ -396,23 +458,31 @@ std::vector<CheckItem> LifeChecks::items() {
         {"dependencies.portal", "The component depends on the portal", portalDependency},
         {"dependencies.offered", "Every dependency is met by the framework or a component that is there",
          offeredDependencies, true},
-        {"lifecycle.not-started", "join returns 2 before start", notStarted},
+        {"lifecycle.not-started", "join returns 2 before start", joinsNotBeforeStart},
         {"lifecycle.start", "start returns 0", starts, true},
         {"lifecycle.stop", "stop returns 0", stops, true},
+        {"lifecycle.stopped", "join returns 2 after stop", joinsNotAfterStop},
         {"lifecycle.restart", "start works again after stop", startsAgain},
         {"lifecycle.failed-start", "stop returns 0 after a start without services, and the next start works",
          stopsAfterFailedStart},
         {"lifecycle.stop-again", "stop returns 0 when the component is stopped already", stopsTwice},
-        {"dependencies.declared", "What start asks the portal for was declared as a dependency", declaredDependencies},
+        {"dependencies.declared", "What the component asks the portal for was declared as a dependency",
+         declaredDependencies},
     };
 }
 
 std::vector<CheckItem> LifeChecks::lastItems() {
     return {
+        {"lifecycle.used-again", "A component that was stopped and started lists what it listed before",
+         listsAfterRestart},
+        {"lifecycle.answers-stopped", "Listings and reads return 2 after stop", answersOnlyStarted},
         {"output.untouched", "Nothing is written on standard output from dalLCMinit to unloading", keepsOutputClean},
         {"unload.unmaps", "An unloaded library leaves the process", unmaps},
         {"unload.again", "A library that was unloaded can be loaded and used again", livesAgain},
         {"unload.descriptors", "An unloaded library leaves no descriptor open", leavesNoDescriptor},
+        {"unload.process",
+         "An unloaded library leaves signal handlers, working folder, file mode mask, environment and locale alone",
+         leavesProcessAsItWas},
         {"unload.threads", "An unloaded library leaves no thread", leavesNoThread},
     };
 }

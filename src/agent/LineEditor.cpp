@@ -211,7 +211,7 @@ unsigned char LineEditor::completeWord() {
         text += ShellWords::end(begun->quote);
     }
     if (text.empty() && found.size() > 1) {
-        show(found);
+        show(found, Completion::beginOfLevel(begun->word));
         return CC_REDISPLAY;
     }
     return el_insertstr(editor.get(), text.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
@@ -235,11 +235,11 @@ std::vector<std::string> LineEditor::candidates(const ShellWords::Begun& begun) 
     return found;
 }
 
-void LineEditor::show(const std::vector<std::string>& candidates) {
+void LineEditor::show(const std::vector<std::string>& candidates, std::size_t level) {
     const std::size_t shown = std::min(candidates.size(), mostShown);
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < shown; ++i) {
-        texts.push_back(Text::escaped(candidates[i]));
+        texts.push_back(Text::escaped(candidates[i].substr(level)));
     }
     std::string rows = "\n" + inColumns(texts, Screen::columnsOf(STDERR_FILENO));
     if (shown < candidates.size()) {

@@ -4,6 +4,7 @@
 #include <histedit.h>
 #include <locale.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -45,7 +46,8 @@ private:
     unsigned char completeWord();
     /// Asks the completer while the terminal and the locale are the program's own. What cannot be typed is left out.
     std::vector<std::string> candidates(const ShellWords::Begun& begun);
-    void show(const std::vector<std::string>& candidates);
+    /// Shows the candidates, which have all before `level` in common, without that.
+    void show(const std::vector<std::string>& candidates, std::size_t level);
     void keep(const std::string& line);
 
     const Completer completer;

@@ -1,6 +1,15 @@
 #include "Loader.h"
 
 #include <dlfcn.h>
+#include <elf.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstring>
+#include <optional>
+
+#include "OpenFile.h"
 
 namespace TevAgent {
 
@@ -11,6 +20,31 @@ namespace {
 // open.
 void* (*volatile loadLibrary)(const char*, int) = dlopen;
 int (*volatile unloadLibrary)(void*) = dlclose;
+
+/// What a file begins with if it is a program or a library; nothing when it cannot be read.
+std::optional<Elf64_Ehdr> headOf(const char* file) {
+    const OpenFile opened(file, O_RDONLY | O_NONBLOCK);
+    Elf64_Ehdr head{};
+    // As far as it is the same for every width.
+    const ssize_t size = pread(opened.descriptor, &head, offsetof(Elf64_Ehdr, e_version), 0);
+    return size == -1 ? std::nullopt : std::optional(head);
+}
+
+/// What is wrong with a file that could not be loaded, where the loader does not tell; it takes one for another machine
+/// for a file that is not there.
+std::string hintFor(const std::string& file) {
+    const auto head = headOf(file.c_str());
+    const auto own = headOf("/proc/self/exe");
+    if (!head || !own) {
+        return "";
+    }
+    if (std::memcmp(head->e_ident, ELFMAG, SELFMAG) != 0) {
+        return "; it is no shared library, so name the component's .so file";
+    }
+    const bool isOfThisMachine = head->e_ident[EI_CLASS] == own->e_ident[EI_CLASS] &&
+                                 head->e_ident[EI_DATA] == own->e_ident[EI_DATA] && head->e_machine == own->e_machine;
+    return isOfThisMachine ? "" : "; it is made for another machine than this program, so build it for this one";
+}
 
 }  // namespace
 
@@ -30,7 +64,7 @@ std::string Loader::lastError(const std::string& file) {
     const char* const text = dlerror();
     const std::string reason = text == nullptr ? "no reason given" : text;
     const std::string prefix = file + ": ";
-    return reason.compare(0, prefix.size(), prefix) == 0 ? reason.substr(prefix.size()) : reason;
+    return (reason.compare(0, prefix.size(), prefix) == 0 ? reason.substr(prefix.size()) : reason) + hintFor(file);
 }
 
 }  // namespace TevAgent

@@ -18,7 +18,8 @@ public:
     /// The address of what the library calls `symbol`. Null: `lastError` tells why.
     static void* find(void* library, const char* symbol);
 
-    /// What the loader says of its last failure, which was one with `file`, without the path at its beginning.
+    /// What the loader says of its last failure, which was one with `file`, without the path at its beginning; then
+    /// what to do where the file is no library, or one for another machine.
     static std::string lastError(const std::string& file);
 };
 

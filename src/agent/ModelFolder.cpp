@@ -40,8 +40,8 @@ std::vector<std::string> consideredEntries(const std::filesystem::path& folder) 
         }
     }
     if (error) {
-        throw Tev::TevException("%s: the folder of models cannot be read: %s", Text::escaped(folder.string()).c_str(),
-                                error.message().c_str());
+        throw Tev::TevException("%s: the folder of models cannot be read: %s; --node or --models names another",
+                                Text::escaped(folder.string()).c_str(), error.message().c_str());
     }
     std::sort(paths.begin(), paths.end());
     return paths;

@@ -44,13 +44,13 @@ private:
 
 }  // namespace
 
-Password Password::ask() {
+Password Password::ask(const std::string& account) {
     const OpenFile terminal("/dev/tty", O_RDWR);
     if (terminal.descriptor == -1) {
         refuse("there is no terminal to ask for the password on; give it with --password-stdin or --password-file");
     }
     const NoEcho noEcho(terminal.descriptor);
-    Descriptor::write(terminal.descriptor, "Password: ");
+    Descriptor::write(terminal.descriptor, (account.empty() ? "Password" : "Password of " + account) + ": ");
     try {
         return Password(terminal.descriptor, "the terminal");
     } catch (const Interrupted&) {

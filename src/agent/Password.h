@@ -12,9 +12,10 @@ class Password {
 public:
     static constexpr std::size_t maxBytes = 1023;  ///< no SSH client takes more
 
-    /// Asks the operator on the controlling terminal, without echo; of the keys that send signals only the interrupt
-    /// key does then, the others are part of the password. Throws `Failure` (wrong usage) when there is no terminal.
-    static Password ask();
+    /// Asks the operator for that of `account`, which is shown as it is and may be empty, on the controlling terminal,
+    /// without echo; of the keys that send signals only the interrupt key does then, the others are part of the
+    /// password. Throws `Failure` (wrong usage) when there is no terminal.
+    static Password ask(const std::string& account);
 
     /// Reads the first line of standard input.
     static Password fromInput();

@@ -69,7 +69,7 @@ void setEnvironment(const Settings& settings) {
 }
 
 ExitStatus execute(int argumentCount, const char* const* arguments, StandardOutput& output) {
-    const Settings settings = CommandLine::parse(argumentCount, arguments);
+    const Settings settings = CommandLine::parse(argumentCount, arguments, output.screen());
     if (!settings.information.empty()) {
         output.write(settings.information);
         return ExitStatus::Done;

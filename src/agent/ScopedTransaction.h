@@ -15,6 +15,9 @@ public:
 
     unsigned long handle() const { return txHandle; }
 
+    /// Leaves its end to the caller.
+    void release() { isOpen = false; }
+
     /// Ends the transaction as `TransactionService::commit` does.
     TevReturnT commit();
 

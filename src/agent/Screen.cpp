@@ -10,8 +10,6 @@ namespace TevAgent {
 
 namespace {
 
-constexpr std::size_t usualWidth = 80;  // columns
-
 std::string_view variable(const char* name) {
     const char* const value = getenv(name);
     return value == nullptr ? "" : value;

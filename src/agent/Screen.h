@@ -11,6 +11,8 @@ namespace TevAgent {
 struct Screen {
     enum class Emphasis { Title, Good, Bad };
 
+    static constexpr std::size_t usualWidth = 80;  ///< in columns, where nothing tells
+
     std::size_t width = 0;  ///< in columns; 0 when there is no limit
     bool hasColours = false;
 

@@ -48,6 +48,9 @@ ExitStatus Shell::run() {
         if (Interruption::isRequested()) {
             Interruption::forget();
         }
+        if (isInteractive && status == ExitStatus::ReaderGone) {
+            return status;  // nothing that is typed could show anything
+        }
         if (!isInteractive && result == ExitStatus::Done) {
             result = status;
         }
@@ -63,7 +66,7 @@ ExitStatus Shell::carryOut(const LineSource::Line& line) {
     if (words.empty()) {
         return ExitStatus::Done;
     }
-    const Settings settings = CommandLine::parseLine(words, session);
+    const Settings settings = CommandLine::parseLine(words, session, output.screen());
     if (!settings.information.empty()) {
         output.write(settings.information);
         return ExitStatus::Done;
@@ -77,7 +80,7 @@ ExitStatus Shell::carryOut(const LineSource::Line& line) {
 
 ExitStatus Shell::check(const Settings& settings) {
     const ExitStatus status = CheckProcess::run(settings.arguments, output);
-    if (status != ExitStatus::Done && !isInteractive) {
+    if (status != ExitStatus::Done && status != ExitStatus::ReaderGone && !isInteractive) {
         // What the check itself says does not name the line.
         Diagnostics::say("the check ended with status " + std::to_string(static_cast<int>(status)));
     }

@@ -19,8 +19,8 @@ public:
     Shell(Agent& hostAgent, const Settings& sessionSettings, StandardOutput& resultOutput);
 
     /// Reads to the end, or to the command that ends it. Returns the status of the first command of a script that
-    /// failed, 0 for an operator; that of an interruption when one ended the shell. Throws `Interrupted`, and `Failure`
-    /// (not started) when no line can be read.
+    /// failed, 0 for an operator; that of what ended the shell, an interruption or, for an operator, the results'
+    /// reader who has gone away. Throws `Interrupted`, and `Failure` (not started) when no line can be read.
     ExitStatus run();
 
 private:

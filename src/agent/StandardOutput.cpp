@@ -35,7 +35,7 @@ int takeOver() {
 }
 
 [[noreturn]] void fail(int error) {
-    throw Failure(ExitStatus::OperationFailed,
+    throw Failure(error == EPIPE ? ExitStatus::ReaderGone : ExitStatus::OperationFailed,
                   "cannot write to standard output: " + std::generic_category().message(error));
 }
 

@@ -12,7 +12,7 @@ namespace TevAgent {
 /// descriptor, which no other program inherits.
 ///
 /// Made before anything is written and before other threads are there; used by one thread. SIGPIPE is ignored from
-/// then on, so a reader that has gone away is an error like any other.
+/// then on, so that a reader who has gone away ends no command that has more to do than to tell of it.
 class StandardOutput {
 public:
     /// Standard descriptors that are closed are opened onto /dev/null, so that no file takes their place.
@@ -24,7 +24,8 @@ public:
     /// Where results are shown, as it is just now.
     Screen screen() const { return Screen::of(descriptor); }
 
-    /// Writes all of `text` at once. Throws `Failure` (operation failed) with the reason.
+    /// Writes all of `text` at once. Throws `Failure` (operation failed) with the reason; (reader gone) where it is
+    /// that nobody reads any more.
     void write(std::string_view text);
 
     /// The descriptor that is written to, for a program that is given it as its standard output; -1 when there is none.

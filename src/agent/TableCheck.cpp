@@ -27,6 +27,14 @@ bool isComplete(const DalMgmtSpiInterface_1& descriptor) {
            !isMissing(descriptor.interfaceVersion);
 }
 
+/// All entries of an array that ends with null.
+bool areComplete(DalMgmtSpiInterface_1** entry) {
+    while (*entry != nullptr && isComplete(**entry)) {
+        ++entry;
+    }
+    return *entry == nullptr;
+}
+
 struct Slot {
     const char* name;
     bool isThere;
@@ -148,12 +156,15 @@ std::string TableCheck::faultOfOffers(const DalMgmtSpiComponent_2& component) {
 }
 
 std::string TableCheck::faultOfDependencies(const DalMgmtSpiComponent_2& component) {
-    for (DalMgmtSpiInterface_1** entry = component.dependencyArray; *entry != nullptr; ++entry) {
-        if (!isComplete(**entry)) {
-            return nameOf(component) + " has a dependency without a component name, interface name or version";
-        }
-    }
-    return "";
+    return areComplete(component.dependencyArray)
+               ? ""
+               : nameOf(component) + " has a dependency without a component name, interface name or version";
+}
+
+std::string TableCheck::faultOfExtras(const DalMgmtSpiComponent_2& component) {
+    return areComplete(component.extraArray)
+               ? ""
+               : nameOf(component) + " has an extra entry without a component name, interface name or version";
 }
 
 std::string TableCheck::faultOf(const DalOamSpiTransactionalResource_2* participant) {

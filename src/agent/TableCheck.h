@@ -22,6 +22,9 @@ public:
     static std::string faultOfOffers(const DalMgmtSpiComponent_2& component);
     static std::string faultOfDependencies(const DalMgmtSpiComponent_2& component);
 
+    /// The same for its third array, which the agent has no use for.
+    static std::string faultOfExtras(const DalMgmtSpiComponent_2& component);
+
     /// The same for a participant of a transaction.
     static std::string faultOf(const DalOamSpiTransactionalResource_2* participant);
 };

@@ -65,4 +65,10 @@ std::string TableText::of(const ExportResult& result, const Screen& screen) {
            (result.message.empty() ? "" : ": " + Text::escaped(result.message)) + "\n";
 }
 
+std::string TableText::summaryOf(const std::vector<ExportResult>& results) {
+    const auto exported =
+        std::count_if(results.begin(), results.end(), [](const ExportResult& result) { return result.isExported; });
+    return std::to_string(exported) + " of " + std::to_string(results.size()) + " exported\n";
+}
+
 }  // namespace TevAgent

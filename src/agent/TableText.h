@@ -30,6 +30,9 @@ public:
     /// A line: "<model>: exported" or "<model>: failed", with the message after another colon. The word as
     /// above.
     static std::string of(const ExportResult& result, const Screen& screen = {});
+
+    /// The last line of an export of every model: how many were exported, of how many.
+    static std::string summaryOf(const std::vector<ExportResult>& results);
 };
 
 }  // namespace TevAgent

@@ -71,11 +71,10 @@ TevReturnT TransactionService::join(unsigned long txHandle, Resource& resource) 
     return code;
 }
 
-bool TransactionService::isParticipant(unsigned long txHandle, const Resource& resource) const {
+bool TransactionService::hasParticipant(unsigned long txHandle) const {
     const Tev::AnnotatedLock lock(mutex);
     const auto found = open.find(txHandle);
-    return found != open.end() &&
-           std::count(found->second.participants.begin(), found->second.participants.end(), &resource) != 0;
+    return found != open.end() && !found->second.participants.empty();
 }
 
 TevReturnT TransactionService::commit(unsigned long txHandle) {

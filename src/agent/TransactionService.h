@@ -35,8 +35,8 @@ public:
     /// transaction. Returns 0, -2 when there is no such transaction, or the code of its `join`.
     TevReturnT join(unsigned long txHandle, DalOamSpiTransactionalResource_2& resource);
 
-    /// Whether `participant` takes part in the transaction.
-    bool isParticipant(unsigned long txHandle, const DalOamSpiTransactionalResource_2& participant) const;
+    /// Whether anybody takes part in the transaction.
+    bool hasParticipant(unsigned long txHandle) const;
 
     /// Ends the transaction: validate, prepare and commit, or abort from where one of the first two fails; in the end
     /// every participant is told to finish, whatever happened. Returns 0, -2 when there is no such transaction, or the

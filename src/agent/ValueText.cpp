@@ -36,7 +36,8 @@ std::string textOf(std::int32_t type, const DalMoAttributeValue& value) {
         case DalMoTypeUint64:
             return decimal(value.theUint64);
         case DalMoTypeBool:
-            return value.theBool ? "true" : "false";
+            // Some other byte in a bool is undefined.
+            return value.theUint8 != 0 ? "true" : "false";
         case DalMoTypeDouble:
             return decimal(value.theDouble);
         case DalMoTypeString:

@@ -66,33 +66,57 @@ TEST(AlignedTableTest, breaksRatherAtABlankThanBehindAMarkAndRatherThereThanBefo
     EXPECT_EQ(lines("123456789 0"), "a\n123456789\n 0\n");
 }
 
-TEST(AlignedTableTest, breaksATextWithoutAGoodPlaceWhereTheColumnEnds) {
-    EXPECT_EQ(AlignedTable::of({"a"}, {{"0123456789abcdefghij"}}, {9, false}), "a\n012345678\n 9abcdefg\n hij\n");
+// Columns of eight left "Diagnosti csModel", and titles in pieces.
+TEST(AlignedTableTest, breaksNoWordAndNoTitleInTheMiddle) {
+    const AlignedTable::Row titles = {"schemaId", "identifier", "selectedModelOptions"};
+    const AlignedTable::Row cells = {"DiagnosticsModel", "Synchronization", "Hot-Swap, Scheduled"};
+    EXPECT_EQ(AlignedTable::of(titles, {cells}, {40, false}),
+              "schemaId     identifier       selected\n"
+              "                               Model\n"
+              "                               Options\n"
+              "Diagnostics  Synchronization  Hot-Swap,\n"
+              " Model                         Scheduled\n");
+    EXPECT_EQ(AlignedTable::of(titles, {cells}, {39, false}),
+              "schemaId: DiagnosticsModel\n"
+              "identifier: Synchronization\n"
+              "selectedModelOptions: Hot-Swap, Scheduled\n");
+}
+
+TEST(AlignedTableTest, breaksOnlyAWordOfACellThatIsVeryLong) {
+    const std::string word = "abcdefghijklmnopqrst";
+    const auto lines = [](const std::string& title, const std::string& cell) {
+        return AlignedTable::of({title}, {{cell}}, {20, false});
+    };
+    EXPECT_EQ(lines("a", word), "a\n" + word + "\n");
+    EXPECT_EQ(lines("a", word + word), "a\n" + word + "\n abcdefghijklmnopqrs\n t\n");
+    EXPECT_EQ(lines(word + "uv", "1"), word + "uv: 1\n");
+    EXPECT_EQ(AlignedTable::of({"a"}, {{word}}, {19, false}), "a: " + word + "\n");
 }
 
 TEST(AlignedTableTest, breaksNoCharacterInTwo) {
     const std::string wide = "\xe4\xb8\xad";
-    EXPECT_EQ(AlignedTable::of({"a"}, {{wide + wide + wide + wide + wide + wide}}, {9, false}),
-              "a\n" + wide + wide + wide + wide + "\n " + wide + wide + "\n");
-    const std::string composed = "o\xcc\x88";
-    EXPECT_EQ(AlignedTable::of({"a"}, {{"1234567" + composed + "9"}}, {8, false}), "a\n1234567" + composed + "\n 9\n");
+    const std::string wides = wide + wide + wide + wide + wide + wide + wide + wide + wide + wide;
+    EXPECT_EQ(AlignedTable::of({"a"}, {{wides + wide + wide}}, {21, false}),
+              "a\n" + wides + "\n " + wide + wide + "\n");
+    const std::string word = "1234567890123456789o\xcc\x88";
+    EXPECT_EQ(AlignedTable::of({"a"}, {{word + "9"}}, {20, false}), "a\n" + word + "\n 9\n");
 }
 
 TEST(AlignedTableTest, losesNothingAndIsNeverWiderThanTheScreen) {
     const std::string text = "one-two Three_four,FiveSix  0123456789012345 \xe4\xb8\xad\xe5\x9b\xbd x";
-    for (std::size_t width = 8; width < 60; ++width) {
+    for (std::size_t width = 17; width < 60; ++width) {
         const std::string table = AlignedTable::of({"title"}, {{text}}, {width, false});
         EXPECT_LE(widest(table), width);
         EXPECT_EQ(withoutBlanks(table), withoutBlanks("title" + text));
     }
-    for (std::size_t width = 28; width < 60; ++width) {
+    for (std::size_t width = 32; width < 60; ++width) {
         EXPECT_LE(widest(atWidth(width)), width);
     }
 }
 
-TEST(AlignedTableTest, becomesBlocksWhereColumnsWouldBeTooNarrow) {
-    EXPECT_EQ(atWidth(28).find("schemaId: "), std::string::npos);
-    for (const std::size_t width : {27U, 10U, 1U}) {
+TEST(AlignedTableTest, becomesBlocksWhereColumnsWouldBeTooNarrowForTheirWords) {
+    EXPECT_EQ(atWidth(32).find("schemaId: "), std::string::npos);
+    for (const std::size_t width : {31U, 10U, 1U}) {
         EXPECT_EQ(atWidth(width),
                   "schemaId: Transport\n"
                   "baseModelIdentifier: OrvaTransport\n"
@@ -106,6 +130,11 @@ TEST(AlignedTableTest, becomesBlocksWhereColumnsWouldBeTooNarrow) {
 
 TEST(AlignedTableTest, narrowColumnsThatFitStayATable) {
     EXPECT_EQ(AlignedTable::of({"a", "b"}, {{"1", "2"}}, {4, false}), "a  b\n1  2\n");
+}
+
+TEST(AlignedTableTest, hasNoColumnOfOneShortWordALine) {
+    EXPECT_EQ(AlignedTable::of({"a"}, {{"1, 2, 3, 4, 5"}}, {8, false}), "a\n1, 2, 3,\n 4, 5\n");
+    EXPECT_EQ(AlignedTable::of({"a"}, {{"1, 2, 3, 4, 5"}}, {7, false}), "a: 1, 2, 3, 4, 5\n");
 }
 
 TEST(AlignedTableTest, emphasisesTheTitlesOnAScreenWithColours) {

@@ -197,6 +197,12 @@ TEST(CheckTest, aFileOfObjectsThatCannotBeUsedIsToldForEachItem) {
     EXPECT_THAT(itemsIn(outcome.out).front().remark, HasSubstr("/nowhere"));
 }
 
+TEST(CheckTest, exceptionsAreNotSaidToBeNoneWhereNothingWasCalled) {
+    const std::vector<Item> items = itemsIn(check({library("throws_unrouted"), "--only", "exceptions.none"}).out);
+    EXPECT_EQ(items.front().result, "skipped");
+    EXPECT_THAT(items.front().remark, StartsWith("no route leads to component Unrouted; name its class with --class"));
+}
+
 // How a process can end
 
 TEST(CheckTest, anItemThatHangsIsEnded) {
@@ -290,9 +296,13 @@ const std::vector<Fault>& faults() {
         {"abort_fails", {{"transactions.abort", "failed"}}},
         {"acts_on_anything", {{"actions.unknown", "failed"}}},
         {"answers_any_attribute", {{"reads.unknown-attribute", "failed"}}},
+        {"answers_any_parent", {{"reads.other-parent", "warning"}}},
         {"answers_any_class", {{"reads.other-class", "failed"}}},
         {"answers_any_instance", {{"reads.unknown-instance", "failed"}}},
+        {"answers_stopped", {{"lifecycle.answers-stopped", "failed"}}},
         {"asks_undeclared", {{"dependencies.declared", "warning"}}},
+        {"bound_to_thread", {{"threads.shared", "failed"}, {"threads.handed-on", "failed"}}},
+        {"changes_process", {{"unload.process", "warning"}}, true},
         {"comma_in_key", {{"listing.keys", "warning"}}},
         {"compares_prefixes", {{"reads.similar-instance", "failed"}}},
         {"crashes_on_null_attribute", {{"reads.null-arguments", "crashed"}}, true},
@@ -300,17 +310,23 @@ const std::vector<Fault>& faults() {
         {"crashes_unjoined", {{"transactions.no-join", "crashed"}}, true},
         {"creates_anything", {{"writes.create", "failed"}}},
         {"deletes_anything", {{"writes.delete", "failed"}}},
+        {"empty_after_restart", {{"lifecycle.used-again", "warning"}}},
+        {"empty_extra", {{"tables.extra", "failed"}}},
         {"finish_needs_start", {{"transactions.finish-after-stop", "failed"}}},
         {"finishes_all", {{"transactions.apart", "failed"}}},
+        {"frees_on_commit", {{"memory.until-finish", "failed"}}},
         {"init_once", {{"init.again", "warning"}}},
         {"init_returns_code", {{"init.registers", "failed"}}},
         {"init_without_portal", {{"init.no-portal", "failed"}}},
         {"joins_anything", {{"transactions.unknown", "failed"}}},
         {"joins_once", {{"transactions.join-again", "warning"}}},
         {"joins_silently", {{"transactions.join", "failed"}}},
-        {"joins_unstarted", {{"lifecycle.not-started", "failed"}}},
+        {"joins_unstarted", {{"lifecycle.not-started", "failed"}, {"lifecycle.stopped", "failed"}}},
+        {"keeps_aborted", {{"memory.released", "failed"}}},
         {"keeps_iterators", {{"listing.finished-iterator", "failed"}}},
         {"keeps_memory", {{"memory.released", "failed"}}},
+        {"keeps_refused", {{"memory.released", "failed"}}},
+        {"key_ring", {{"memory.keys", "failed"}}},
         {"leaves_descriptor", {{"unload.descriptors", "warning"}}},
         {"leaves_thread", {{"unload.threads", "warning"}}, true},
         {"listing_begins_again", {{"listing.end-again", "warning"}}},
@@ -319,6 +335,7 @@ const std::vector<Fault>& faults() {
         {"lists_any_parent", {{"listing.unknown-parent", "failed"}}},
         {"lists_for_ever", {{"listing.ends", "failed"}}},
         {"load_throws_int", {{"load.opens", "failed"}}},
+        {"mixes_threads", {{"threads.together", "warning"}}},
         {"nameless_dependency", {{"tables.dependencies", "failed"}}},
         {"nameless_extra", {{"tables.extra", "failed"}}},
         {"no_init", {{"load.entry-points", "failed"}}},
@@ -328,16 +345,23 @@ const std::vector<Fault>& faults() {
         {"null_component", {{"init.registers", "failed"}}},
         {"null_function", {{"tables.offers", "failed"}}},
         {"null_value", {{"reads.well-formed", "failed"}}},
+        {"odd_bool", {{"reads.well-formed", "warning"}}},
         {"one_iterator", {{"listing.two-iterators", "failed"}}},
-        {"one_key_buffer", {{"memory.keys", "failed"}}},
+        {"one_key_buffer", {{"memory.keys", "failed"}, {"transactions.apart", "failed"}}},
         {"one_life",
-         {{"unload.again", "failed"}, {"unload.descriptors", "failed"}, {"unload.threads", "failed"}},
+         {{"unload.again", "failed"},
+          {"unload.descriptors", "failed"},
+          {"unload.process", "warning"},
+          {"unload.threads", "failed"}},
          true},
-        {"one_thread_only", {{"threads.together", "failed"}}},
+        {"one_read_at_a_time", {{"threads.shared", "failed"}}},
+        {"one_thread_only",
+         {{"threads.together", "failed"}, {"threads.shared", "failed"}, {"threads.handed-on", "failed"}}},
         {"one_value_buffer", {{"memory.values", "failed"}}},
         {"prints_while_loaded", {{"load.quiet", "warning"}}},
         {"prints_while_read", {{"output.untouched", "warning"}}},
         {"read_fails", {{"reads.every-instance", "failed"}}},
+        {"reference_nowhere", {{"reads.well-formed", "warning"}}},
         {"refuses_with_exception", {{"exceptions.none", "warning"}}},
         {"registers_nothing", {{"init.registers", "failed"}}},
         {"repeats_key", {{"listing.keys", "warning"}}},
@@ -351,8 +375,10 @@ const std::vector<Fault>& faults() {
         {"stops_once", {{"lifecycle.stop-again", "warning"}}},
         {"strange_code", {{"reads.unknown-attribute", "warning"}}},
         {"strange_type", {{"reads.well-formed", "failed"}}},
-        {"strange_values", {{"reads.well-formed", "failed"}}},
+        {"strange_values", {{"reads.well-formed", "warning"}}},
+        {"struct_without_cells", {{"reads.well-formed", "failed"}}},
         {"trusts_iterators", {{"listing.unknown-iterator", "crashed"}}, true},
+        {"trusts_null", {{"listing.unknown-iterator", "failed"}}},
         {"unmet_dependency", {{"dependencies.offered", "failed"}}},
         {"votes_no", {{"transactions.commit", "failed"}}},
         {"wrong_component_version", {{"tables.component", "failed"}}},
@@ -380,6 +406,21 @@ TEST_P(CheckOfFaultTest, isFoundByItsItem) {
 
 INSTANTIATE_TEST_SUITE_P(Fault, CheckOfFaultTest, testing::ValuesIn(faults()),
                          [](const auto& fault) { return std::string(fault.param.name); });
+
+class CheckOfRightComponentTest : public testing::TestWithParam<const char*> {};
+
+// What a check might take for a fault and is none.
+TEST_P(CheckOfRightComponentTest, passes) {
+    const AgentOutcome outcome = check({library(GetParam()), "--in-process"});
+    EXPECT_THAT(findingsIn(itemsIn(outcome.out)), IsEmpty());
+    EXPECT_EQ(outcome.status, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Component, CheckOfRightComponentTest,
+                         testing::Values("instances_come_and_go", "keeps_cache", "knows_its_transactions",
+                                         "many_instances", "own_participants", "refuses_at_validation", "slow_reads",
+                                         "two_components"),
+                         [](const auto& component) { return std::string(component.param); });
 
 TEST(CheckTest, thereIsAFaultForEveryItem) {
     std::set<std::string> found;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <sstream>
 
 #include "Failure.h"
 #include "TempFolder.h"
@@ -231,7 +232,40 @@ TEST(CommandLineTest, showsHelpForTheProgramAndEachCommand) {
     EXPECT_THAT(parse({"check", "--help"}).information, HasSubstr("FILE.so"));
 }
 
+TEST(CommandLineTest, helpShowsWhatTheOptionHelpDoes) {
+    EXPECT_EQ(parse({"help"}).information, parse({"--help"}).information);
+    for (const char* const command : {"list", "get", "export", "check", "shell", "help"}) {
+        EXPECT_THAT(parse({"help", command}).information, HasSubstr(std::string("Usage: tev-agent ") + command));
+        EXPECT_EQ(parse({"help", command}).information, parse({command, "--help"}).information);
+    }
+    EXPECT_THAT(refusal({"help", "nothing"}), StartsWith("there is no command nothing ("));
+}
+
+TEST(CommandLineTest, helpFitsTheScreen) {
+    for (const char* const command : {"--help", "list", "get", "export", "check", "shell", "help"}) {
+        const std::vector<const char*> arguments = {"tev-agent", command, "--help"};
+        for (const std::size_t width : {0U, 80U, 60U, 120U}) {
+            const std::string help = CommandLine::parse(3, arguments.data(), {width, false}).information;
+            std::istringstream lines(help);
+            for (std::string line; std::getline(lines, line);) {
+                const bool isExample = line.find("  tev-agent ") == 0;
+                EXPECT_LE(line.size(), isExample || width == 0 ? 80 : width) << line;
+            }
+        }
+    }
+    const std::vector<const char*> arguments = {"tev-agent", "--help"};
+    const auto atWidth = [&](std::size_t width) {
+        return CommandLine::parse(2, arguments.data(), {width, false}).information;
+    };
+    EXPECT_THAT(atWidth(40),
+                HasSubstr("\n  --node DIR  The node: DIR/models,\n              DIR/managed-objects.xml\n"));
+    EXPECT_THAT(atWidth(140), HasSubstr(" is there, DIR/libtev_schema_populator.cfg\n"));
+    EXPECT_THAT(atWidth(1), HasSubstr("node:\nDIR/models,\n"));
+}
+
 TEST(CommandLineTest, showsExamplesOfACommand) {
+    EXPECT_THAT(parse({"list", "--help"}).information,
+                HasSubstr("\n  tev-agent --node DIR list --filter 'Transport*'\n"));
     EXPECT_THAT(parse({"get", "--help"}).information, HasSubstr("  tev-agent --node DIR get TransportModel\n"));
     EXPECT_THAT(parse({"shell", "--help"}).information, HasSubstr("  tev-agent --node DIR shell\n"));
 }
@@ -294,8 +328,12 @@ TEST_F(LineTest, helpShowsTheCommandsOrTheUsageOfOneWithExamples) {
         const std::string one = parseLine({"help", command}).information;
         EXPECT_THAT(one, HasSubstr("Usage: "));
         EXPECT_EQ(one.find("tev-agent"), std::string::npos) << "a line has no name of a program";
+        EXPECT_EQ(one.find("\n\n\n"), std::string::npos) << one;
+        EXPECT_THAT(one, testing::Not(testing::EndsWith("\n\n")));
     }
     EXPECT_EQ(all.find("--node"), std::string::npos);
+    EXPECT_EQ(all.find("\n\n\n"), std::string::npos);
+    EXPECT_THAT(all, testing::Not(testing::EndsWith("\n\n")));
     EXPECT_THAT(parseLine({"help", "get"}).information, HasSubstr("Examples:\n  get TransportModel\n"));
     EXPECT_EQ(lineRefusal({"help", "list", "get"}).find("taken"), std::string::npos);
     EXPECT_EQ(lineRefusal({"help", "nothing"}), "there is no command nothing (help shows the usage)");
@@ -326,7 +364,7 @@ TEST(CommandLineTest, refusesAnUnknownOptionOrCommand) {
     EXPECT_EQ(refusal({"--models", "m", "list", "--nothing"}), "there is no option --nothing" + usage);
     EXPECT_EQ(refusal({"--nod", "n", "list"}), "there is no option --nod" + usage);
     EXPECT_EQ(refusal({"--models", "m", "shout", "loud"}),
-              "there is no command shout; the commands are list, get, export, check, shell" + usage);
+              "there is no command shout; the commands are list, get, export, check, shell, help" + usage);
     EXPECT_EQ(refusal({"--models", "m", "list", "extra", "more"}), "extra is one too many" + usage);
     EXPECT_EQ(refusal({"check", "a.so", "b.so"}), "b.so is one too many" + usage);
     EXPECT_EQ(refusal({"--models", "m", "list", "list"}), "list is one too many" + usage);

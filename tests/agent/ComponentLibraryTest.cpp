@@ -1,12 +1,15 @@
 #include "ComponentLibrary.h"
 
 #include <dlfcn.h>
+#include <elf.h>
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 
 #include "Failure.h"
+#include "FileText.h"
 #include "PortalService.h"
 #include "TempFolder.h"
 
@@ -14,6 +17,8 @@ namespace TevAgent {
 
 namespace {
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::StartsWith;
 
 std::string library(const std::string& name) {
@@ -61,11 +66,24 @@ TEST(ComponentLibraryTest, namesPathAndReasonOfAFileThatCannotBeLoaded) {
               "cannot use component library /nowhere/x.so: cannot open shared object file: No such file or directory");
     const TevTest::TempFolder folder;
     const std::string text = folder.write("text.so", "no library");
-    EXPECT_THAT(refusal(text), StartsWith("cannot use component library " + text + ": "));
+    EXPECT_THAT(refusal(text), AllOf(StartsWith("cannot use component library " + text + ": "),
+                                     EndsWith("; it is no shared library, so name the component's .so file")));
+}
+
+// The loader says of it that it is not there.
+TEST(ComponentLibraryTest, tellsALibraryForAnotherMachine) {
+    const TevTest::TempFolder folder;
+    const std::string here = TevTest::contents(library("registers_nothing"));
+    for (const std::size_t place : {std::size_t{EI_CLASS}, std::size_t{EI_DATA}, offsetof(Elf64_Ehdr, e_machine)}) {
+        std::string there = here;
+        there[place] = static_cast<char>(there[place] ^ 3);
+        EXPECT_THAT(refusal(folder.write("there.so", there)),
+                    EndsWith("; it is made for another machine than this program, so build it for this one"));
+    }
 }
 
 TEST(ComponentLibraryTest, looksForANameWithoutAFolderInTheWorkingFolderOnly) {
-    EXPECT_THAT(refusal("libtev_common.so"), testing::EndsWith("No such file or directory"));
+    EXPECT_THAT(refusal("libtev_common.so"), EndsWith("No such file or directory"));
 }
 
 TEST(ComponentLibraryTest, goesUpFromWhereALinkLeads) {

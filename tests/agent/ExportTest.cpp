@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <tuple>
 #include <utility>
 
 #include "AgentProcess.h"
@@ -174,6 +175,56 @@ TEST_F(ExportTest, asksForThePasswordOnTheTerminalWithoutEcho) {
     EXPECT_TRUE(terminal.hasEcho());
 }
 
+TEST_F(ExportTest, saysWhosePasswordIsAskedFor) {
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"one", "sftp://te\x1bster:x@h:22/p"}), setting);
+    terminal.waitFor("Password of te\\x1bster@h: ");
+    terminal.type("typed\n");
+    EXPECT_EQ(agent.outcome().status, 0);
+}
+
+TEST_F(ExportTest, nobodyIsAskedForThePasswordOfAUriThatIsNotForSftp) {
+    for (const std::string uri : {"ftp://u@h/p", "/p", "sftp://u@h:port/p"}) {
+        for (const std::vector<std::string>& words :
+             {std::vector<std::string>{"Plain", uri}, {"--all", uri}, {TestNode::schemaDn("Plain"), uri}}) {
+            std::vector<std::string> command = {"--node", node.path(), "export"};
+            command.insert(command.end(), words.begin(), words.end());
+            Terminal terminal;
+            AgentProcess::Setting setting;
+            setting.terminal = terminal.path();
+            const AgentOutcome outcome = AgentProcess::run(command, setting);
+            EXPECT_EQ(outcome.status, 2);
+            EXPECT_EQ(outcome.err,
+                      "tev-agent: models are sent to sftp://USER@HOST[:PORT]/PATH only; correct the URI\n");
+            EXPECT_EQ(terminal.shown(), "");
+        }
+    }
+}
+
+TEST_F(ExportTest, aUriThatIsNotForSftpIsTheComponentsToJudgeWhereNobodyIsAsked) {
+    EXPECT_THAT(run("exports_as_told", {"one", "ftp://u@h/p"}).err, EndsWith("secret)\n" + success));
+    const AgentOutcome outcome =
+        AgentProcess::run({"--node", node.path(), "export", "Plain", "ftp://u@h/p", "--password-file", passwordFile});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, StartsWith("tev-agent: cannot export Plain: Unsupported URI schema: ftp. "));
+}
+
+TEST_F(ExportTest, anObjectOfAnotherClassMayGoElsewhere) {
+    node.writeObjects(R"(<managedObjects>
+        <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
+        <mo class="ManagedElement" id="1"/>
+      </managedObjects>)");
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.terminal = terminal.path();
+    AgentProcess agent(arguments("exports_as_told", {"ManagedElement=1,Licence=two", "ftp://u@h/p"}), setting);
+    terminal.waitFor("Password of u@h: ");
+    terminal.type("typed\n");
+    EXPECT_EQ(agent.outcome().status, 0);
+}
+
 TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoBack) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Terminal terminal;
@@ -288,7 +339,8 @@ TEST_F(ExportTest, exportsEveryModelSeveralAtATimeWithOneLineEach) {
     const AgentOutcome outcome = run("exports_in_company", {"--all", "--jobs", "2", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 6);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 7);
+    EXPECT_THAT(outcome.out, EndsWith("\n5 of 6 exported\n"));
     for (const std::string id : {"0", "1", "2", "3", "4", "5"}) {
         EXPECT_THAT(outcome.out, HasSubstr(id + (id == "2" ? ": failed" : ": exported") + ": two at a time for " +
                                            TestNode::schemaDn(id) + "\n"));
@@ -298,7 +350,9 @@ TEST_F(ExportTest, exportsEveryModelSeveralAtATimeWithOneLineEach) {
 TEST_F(ExportTest, exportsEveryModelToTheFolderThatTheUriNames) {
     const AgentOutcome outcome = run("exports_as_told", {"--all", "--jobs", "1", "sftp://h/p"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.out, "one: exported: File transfer successful\ntwo: exported: File transfer successful\n");
+    EXPECT_EQ(outcome.out,
+              "one: exported: File transfer successful\ntwo: exported: File transfer successful\n"
+              "2 of 2 exported\n");
     EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), "sftp://h/p/", "secret") +
                                called(TestNode::schemaDn("two"), "sftp://h/p/", "secret"));
 }
@@ -315,6 +369,19 @@ TEST_F(ExportTest, writesTheResultsOfEveryModelAsJsonInTheirOrder) {
         EXPECT_EQ(one->getValue<bool>("exported"), i != 2);
         EXPECT_EQ(one->getValue<std::string>("message"), "two at a time for " + TestNode::schemaDn(std::to_string(i)));
     }
+}
+
+TEST_F(ExportTest, writesTheResultOfOneModelAsJson) {
+    for (const auto& [uri, status, rest] :
+         {std::tuple("sftp://h/p", 0, R"("exported":true,"message":"File transfer successful")"),
+          std::tuple("sftp://quiet/p", 0, R"("exported":true,"message":"")"),
+          std::tuple("sftp://fails/p", 1, R"("exported":false,"message":"SFTP error: nobody is there")")}) {
+        const AgentOutcome outcome = run("exports_as_told", {"one", uri, "--output=json"});
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.out, std::string("{\"exports\":[\n{\"model\":\"one\",") + rest + "}\n]}\n");
+        EXPECT_EQ(outcome.err, called(TestNode::schemaDn("one"), uri, "secret"));
+    }
+    EXPECT_EQ(run("exports_as_told", {"one", "http://h/", "--output=json"}).out, "") << "wrong usage has no result";
 }
 
 TEST_F(ExportTest, showsOnATerminalWhatIsUnderWayAndForHowLong) {
@@ -407,7 +474,8 @@ TEST_F(ExportTest, exportsEveryModelWhereTheSystemGivesFewThreads) {
     EXPECT_EQ(outcome.err, "");
     EXPECT_THAT(outcome.out, HasSubstr("0: exported: in company\n"));
     EXPECT_THAT(outcome.out, HasSubstr("1: exported: in company\n"));
-    EXPECT_THAT(outcome.out, EndsWith("2: exported: by the main thread\n3: exported: by the main thread\n"));
+    EXPECT_THAT(outcome.out,
+                EndsWith("2: exported: by the main thread\n3: exported: by the main thread\n4 of 4 exported\n"));
 }
 
 TEST_F(ExportTest, resultsThatCannotBeWrittenKeepNoModelFromBeingExported) {
@@ -426,10 +494,34 @@ TEST_F(ExportTest, resultsThatCannotBeWrittenKeepNoModelFromBeingExported) {
     close(setting.out);
 }
 
+TEST_F(ExportTest, aReaderWhoHasGoneAwayKeepsNoModelFromBeingExported) {
+    Pipe unread(0);
+    unread.closeReading();
+    AgentProcess::Setting setting;
+    setting.out = unread.writing();
+    for (const std::string format : {"table", "json"}) {
+        const std::vector<std::string> words = {"--all", "--jobs",          "2",          "--output",
+                                                format,  "--password-file", passwordFile, ""};
+        const auto exportTo = [&](const std::string& component, const std::string& uri) {
+            std::vector<std::string> all = words;
+            all.back() = uri;
+            return AgentProcess::run(arguments(component, all), setting);
+        };
+        const AgentOutcome well = exportTo("exports_as_told", "sftp://h/p/");
+        EXPECT_EQ(well.status, 141);
+        EXPECT_THAT(well.err, AllOf(HasSubstr(called(TestNode::schemaDn("one"), "sftp://h/p/", "secret")),
+                                    HasSubstr(called(TestNode::schemaDn("two"), "sftp://h/p/", "secret")),
+                                    Not(HasSubstr("tev-agent"))));
+        const AgentOutcome badly = exportTo("exports_in_company", "sftp://h/p/");
+        EXPECT_EQ(badly.status, 1);
+        EXPECT_EQ(badly.err, "tev-agent: not every model was exported, and nobody reads which\n");
+    }
+}
+
 TEST_F(ExportTest, aVersionThatCannotBeReadKeepsNoModelFromBeingExported) {
     const std::string sentence = "tev-agent: there are several versions of one\n";
     const AgentOutcome every = run("exports_unreadable", {"--all", "sftp://h/p"});
-    EXPECT_EQ(every.out, "one: exported\n");
+    EXPECT_EQ(every.out, "one: exported\n1 of 1 exported\n");
     EXPECT_EQ(every.err, sentence);
     const AgentOutcome one = run("exports_unreadable", {"one", "sftp://h/p"});
     EXPECT_EQ(one.status, 0);

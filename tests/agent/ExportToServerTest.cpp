@@ -100,7 +100,7 @@ TEST_F(ExportToServerTest, aWrongPasswordIsToldAndThePasswordIsNot) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.err,
                 AllOf(HasSubstr("\ntev-agent: cannot export TransportModel: SFTP error: the server 127.0.0.1 does not "
-                                "accept the user tester with this password\n"),
+                                "accept the user tester with this password; check both\n"),
                       Not(HasSubstr("shibboleth"))));
     EXPECT_THAT(server.names(), IsEmpty());
 }
@@ -118,10 +118,11 @@ TEST_F(ExportToServerTest, takesThePasswordThatIsTypedOnTheTerminal) {
     Terminal terminal;
     setting.terminal = terminal.path();
     AgentProcess agent(arguments({"TransportModel", uri("copy.xml")}), setting);
-    terminal.waitFor("Password: ");
+    const std::string question = "Password of " + server.user() + "@127.0.0.1: ";
+    terminal.waitFor(question);
     terminal.type(server.password() + "\n");
     EXPECT_EQ(agent.outcome().status, 0);
-    EXPECT_EQ(terminal.shown(), "Password: \r\n");
+    EXPECT_EQ(terminal.shown(), question + "\r\n");
     EXPECT_EQ(contents(server.folder() / "copy.xml"), contents(models / "TransportModel.xml"));
 }
 
@@ -136,7 +137,7 @@ TEST_F(ExportToServerTest, exportsEveryModelOfTheNode) {
         EXPECT_TRUE(contents(server.folder() / entry.path().filename()) == contents(entry.path())) << entry.path();
     }
     EXPECT_EQ(server.names().size(), count);
-    EXPECT_EQ(static_cast<std::size_t>(std::count(outcome.out.begin(), outcome.out.end(), '\n')), count);
+    EXPECT_EQ(static_cast<std::size_t>(std::count(outcome.out.begin(), outcome.out.end(), '\n')), count + 1);
 }
 
 TEST_F(ExportToServerTest, aModelThatFailsDoesNotStopTheOthers) {
@@ -145,7 +146,8 @@ TEST_F(ExportToServerTest, aModelThatFailsDoesNotStopTheOthers) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.out, AllOf(HasSubstr("TransportModel: failed: SFTP error: "),
                                    HasSubstr("SoftwareModel: exported: File transfer successful\n")));
-    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 14);
+    EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 15);
+    EXPECT_THAT(outcome.out, EndsWith("\n13 of 14 exported\n"));
 }
 
 TEST_F(ExportToServerTest, anInterruptInTheMiddleLeavesNothingOrNamesIt) {
@@ -196,6 +198,7 @@ TEST_F(ExportToServerTest, anInterruptStopsEveryModelAndTellsWhichWereNotBegun) 
         EXPECT_EQ(count(outcome.out, "the transfer was interrupted"), 3) << outcome.out;
         EXPECT_EQ(count(outcome.out, "not begun"), 11) << outcome.out;
         EXPECT_EQ(count(outcome.out, format == "table" ? ": failed: " : "\"exported\":false"), 14) << outcome.out;
+        EXPECT_EQ(count(outcome.out, "0 of 14 exported"), format == "table" ? 1 : 0) << outcome.out;
         EXPECT_THAT(server.names(), IsEmpty());
         EXPECT_FALSE(hasClient(proxy.port()));
     }

@@ -62,18 +62,30 @@ TEST_F(JsonSchemaTest, refusesWhatListDoesNotWrite) {
 }
 
 TEST_F(JsonSchemaTest, describesGet) {
-    EXPECT_EQ(faultsOf(written({"get", "Transport"}), "get"), "");
-    EXPECT_EQ(faultsOf(written({"get", "Plain", "selectedModelOptions", "version"}), "get"), "");
-    EXPECT_EQ(faultsOf(written({"get", "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"}), "get"), "");
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"get", "Transport"}, {"get", "Plain", "selectedModelOptions", "version"}}) {
+        const std::string document = written(command);
+        EXPECT_EQ(faultsOf(document, "get"), "");
+        EXPECT_EQ(faultsOf(document, "getSchema"), "");
+    }
+    const std::string other = written({"get", "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"});
+    EXPECT_EQ(faultsOf(other, "get"), "");
+    EXPECT_EQ(faultsOf(other, "getObject"), "");
 }
 
 TEST_F(JsonSchemaTest, refusesWhatGetDoesNotWrite) {
     EXPECT_NE(faultsOf(written({"list"}), "get"), "");
     const std::string one = written({"get", "Plain", "version", "selectedModelOptions"});
-    EXPECT_NE(faultsWith(one, "\"version\":\"\"", "\"version\":7", "get"), "");
-    EXPECT_NE(faultsWith(one, "[]", "\"\"", "get"), "");
+    for (const std::string definition : {"get", "getSchema"}) {
+        EXPECT_NE(faultsWith(one, "\"version\":\"\"", "\"version\":7", definition), "");
+        EXPECT_NE(faultsWith(one, "[]", "\"\"", definition), "");
+    }
+    // An array for a single value passed for an attribute of another class.
+    EXPECT_NE(faultsWith(one, "\"version\":\"\"", "\"version\":[]", "getSchema"), "");
+    EXPECT_NE(faultsWith(one, "\"version\":\"\"", "\"version\":[\"1\"]", "getSchema"), "");
     const std::string other = written({"get", "ManagedElement=1,Transport=1,ServiceCategory=OamBulk", "dscp"});
     EXPECT_NE(faultsWith(other, "[\"10\"]", "[10]", "get"), "");
+    EXPECT_NE(faultsWith(other, "[\"10\"]", "\"10\"", "getObject"), "");
 }
 
 TEST_F(JsonSchemaTest, describesCheck) {
@@ -94,6 +106,11 @@ TEST_F(JsonSchemaTest, describesExport) {
                                          "--password-file", folder.write("password", "secret\n")});
     EXPECT_THAT(exports, testing::AllOf(testing::HasSubstr("true"), testing::HasSubstr("false")));
     EXPECT_EQ(faultsOf(exports, "export"), "");
+    EXPECT_EQ(faultsOf(written({"export", "1", "sftp://h/p", "--component",
+                                std::string(TEV_HOSTILE_COMPONENTS) + "/exports_as_told.so", "--password-file",
+                                folder.path() / "password"}),
+                       "export"),
+              "");
     EXPECT_NE(faultsWith(exports, "\"exported\":false", "\"exported\":null", "export"), "");
     EXPECT_NE(faultsWith(exports, "\"model\"", "\"more\":\"\",\"model\"", "export"), "");
     EXPECT_NE(faultsWith(exports, "\"message\"", "\"remark\"", "export"), "");

@@ -22,6 +22,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+const std::string hint = "; --node or --models names another";
+
 class ModelFolderTest : public testing::Test {
 protected:
     std::string path(const std::string& name) const { return (folder.path() / name).string(); }
@@ -193,12 +195,12 @@ std::string refusalOf(const std::filesystem::path& path) {
 
 TEST_F(ModelFolderTest, throwsForAFolderThatIsNotThere) {
     EXPECT_EQ(refusalOf(path("none")),
-              path("none") + ": the folder of models cannot be read: No such file or directory");
+              path("none") + ": the folder of models cannot be read: No such file or directory" + hint);
 }
 
 TEST_F(ModelFolderTest, throwsForAFile) {
     const std::string file = folder.write("a.xml", mom(R"(name="A")"));
-    EXPECT_EQ(refusalOf(file), file + ": the folder of models cannot be read: Not a directory");
+    EXPECT_EQ(refusalOf(file), file + ": the folder of models cannot be read: Not a directory" + hint);
 }
 
 TEST_F(ModelFolderTest, throwsForAnEmptyPath) {
@@ -210,7 +212,8 @@ TEST_F(ModelFolderTest, throwsForAFolderThatMayNotBeListed) {
     std::filesystem::create_directory(path("secret"));
     ASSERT_EQ(chmod(path("secret").c_str(), 0), 0);
     const TevTest::AsNobody nobody;
-    EXPECT_EQ(refusalOf(path("secret")), path("secret") + ": the folder of models cannot be read: Permission denied");
+    EXPECT_EQ(refusalOf(path("secret")),
+              path("secret") + ": the folder of models cannot be read: Permission denied" + hint);
 }
 
 }  // namespace

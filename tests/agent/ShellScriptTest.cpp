@@ -18,6 +18,7 @@ namespace {
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 const std::string version = "version\n2.1.5\n";
@@ -207,6 +208,23 @@ TEST_F(ShellScriptTest, aCheckThatFailsIsSaidWithItsLine) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.out, AllOf(StartsWith(version), HasSubstr("failed"), EndsWith(version)));
     EXPECT_THAT(outcome.err, EndsWith("tev-agent: line 2: the check ended with status 1\n"));
+}
+
+TEST_F(ShellScriptTest, aReaderWhoHasGoneAwayKeepsNoLineFromBeingCarriedOut) {
+    const std::string password = folder.write("password", "secret\n");
+    Pipe unread(0);
+    unread.closeReading();
+    AgentProcess::Setting setting;
+    setting.out = unread.writing();
+    const AgentOutcome outcome =
+        run("get one version\ncheck --only load.opens\nget Nothing nothing\n"
+            "export one sftp://h/p --password-file " +
+                password + "\n",
+            {"--component", fault("exports_as_told")}, setting);
+    EXPECT_EQ(outcome.status, 141);
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("export " + TestNode::schemaDn("one")),
+                                   EndsWith("\ntev-agent: line 4: File transfer successful\n"),
+                                   Not(HasSubstr("line 1")), Not(HasSubstr("line 2"))));
 }
 
 TEST_F(ShellScriptTest, anInterruptEndsAScript) {

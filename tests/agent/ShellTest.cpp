@@ -9,6 +9,7 @@
 
 #include "AgentProcess.h"
 #include "FileText.h"
+#include "Pipe.h"
 #include "Terminal.h"
 #include "TestNode.h"
 
@@ -259,6 +260,22 @@ TEST_F(ShellTest, rememberedLinesAreThereInTheNextShell) {
     EXPECT_EQ(second.end(), 0);
 }
 
+TEST_F(ShellTest, endsWhenNobodyReadsTheResultsAnyMore) {
+    Pipe unread(0);
+    unread.closeReading();
+    Terminal terminal;
+    AgentProcess::Setting setting;
+    setting.environment = {{"TERM", "xterm"}, {"TEV_STATE_DIR", state}};
+    setting.in = setting.err = terminal.descriptor();
+    setting.out = unread.writing();
+    setting.terminal = terminal.path();
+    AgentProcess agent({"--node", node.path(), "shell"}, setting);
+    terminal.take(prompt);
+    terminal.type("list\n");
+    EXPECT_EQ(agent.outcome().status, 141);
+    EXPECT_THAT(terminal.shown(), AllOf(Not(HasSubstr("tev-agent")), Not(HasSubstr(prompt))));
+}
+
 TEST_F(ShellTest, aHistoryThatCannotBeKeptIsSaidAndNoFailure) {
     folder.write("state", "");
     Session shell = start();
@@ -301,6 +318,42 @@ TEST_F(ShellTest, completesDnsLevelByLevelAndTheAttributesOfTheObject) {
     EXPECT_EQ(shell.end(), 0);
 }
 
+TEST_F(ShellTest, goesOnBelowADnThatIsWhole) {
+    Session shell = start();
+    shell.type("get Man\t", "agedElement=1");
+    shell.type("\t", ",");
+    shell.type("\t", "\r\nSystemFunctions=1  Transport=1\r\n");
+    shell.terminal.take(prompt);
+    shell.type("T\t\t\t d\t\n", "\r\ndscp\r\n10\r\n" + prompt);
+    EXPECT_EQ(shell.end(), 0);
+}
+
+TEST_F(ShellTest, offersTheSiblingsOfADnThatIsWholeBeforeWhatIsBelowIt) {
+    node.writeObjects(R"(<managedObjects>
+        <mo class="ManagedElement" id="1"><mo class="Transport" id="1"/></mo>
+        <mo class="ManagedElement" id="10"/>
+      </managedObjects>)");
+    Session shell = start();
+    shell.type("get ManagedElement=1\t", "\r\nManagedElement=1   ManagedElement=10\r\n");
+    shell.type("0\t\t", "ManagedElement=10");
+    shell.drop();
+    EXPECT_EQ(shell.end(), 0);
+}
+
+// They were offered where they are taken for options.
+TEST_F(ShellTest, offersNamesThatBeginWithADashBehindTheEndOfTheOptionsOnly) {
+    node.writeModel("4.xml", R"(<mom name="-dash" version="7"/>)");
+    folder.write("-file", "");
+    folder.write("file", "");
+    Session shell = start();
+    shell.type("get \t", "\r\nEquipment         ManagedElement=1  Plain             Transport\r\n");
+    shell.drop();
+    shell.type("get -- -\tversion\n", "\r\nversion\r\n7\r\n" + prompt);
+    shell.type("export --password-file \t", "\r\nfile    state/\r\n");
+    shell.drop();
+    EXPECT_EQ(shell.end(), 0);
+}
+
 TEST_F(ShellTest, completesDnsOfTheObjectsOfOtherComponents) {
     node.writeObjects(R"(<managedObjects>
         <route class="Licence" parent="ManagedElement" component="TevSchemaMoService"/>
@@ -308,7 +361,7 @@ TEST_F(ShellTest, completesDnsOfTheObjectsOfOtherComponents) {
       </managedObjects>)");
     Session shell = start("exports_as_told");
     shell.type("get ManagedElement=1,\t", "Licence=");
-    shell.type("\t", "ManagedElement=1,Licence=two\r\n");
+    shell.type("\t", "Licence=one  Licence=two\r\n");
     shell.drop();
     EXPECT_EQ(shell.end(), 0);
 }

@@ -84,7 +84,7 @@ TEST(StandardOutputDeathTest, noFileTakesThePlaceOfAClosedStandardDescriptor) {
                 testing::ExitedWithCode(0), "well above");
 }
 
-TEST(StandardOutputDeathTest, aReaderThatHasGoneIsAnErrorAndNoSignal) {
+TEST(StandardOutputDeathTest, aReaderWhoHasGoneIsAFailureAndNoSignal) {
     EXPECT_EXIT(found([] {
                     int ends[2];
                     if (pipe(ends) != 0) {

@@ -85,6 +85,11 @@ TEST_F(TerminalOutputTest, aPipeGetsWholeRowsWithoutColours) {
     EXPECT_THAT(AgentProcess::run(onNode({"check"}), setting).out, Not(HasSubstr("\x1b")));
 }
 
+TEST_F(TerminalOutputTest, helpFitsTheTerminal) {
+    EXPECT_THAT(shown({"help"}, plain, 40), HasSubstr("\n  --node DIR  The node: DIR/models,\n"));
+    EXPECT_THAT(shown({"--help"}, plain, 140), HasSubstr(" is there, DIR/libtev_schema_populator.cfg\n"));
+}
+
 TEST_F(TerminalOutputTest, jsonIsTheSameOnATerminal) {
     EXPECT_EQ(shown({"--output=json", "list"}, colours, 20), AgentProcess::run(onNode({"--output=json", "list"})).out);
 }

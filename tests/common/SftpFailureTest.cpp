@@ -181,7 +181,8 @@ TEST_F(SftpFailureTest, wrongPasswordIsTriedOnce) {
     const SftpServer server;
     Transfer transfer = transferOver(server);
     transfer.password = "wrong";
-    EXPECT_THAT(transfer.run(), outcome(-1, "the server 127.0.0.1 does not accept the user tester with this password"));
+    EXPECT_THAT(transfer.run(),
+                outcome(-1, "the server 127.0.0.1 does not accept the user tester with this password; check both"));
     const std::string log = server.logWith("Connection closed by authenticating user");
     const std::size_t firstTry = log.find("Failed password for tester");
     EXPECT_NE(firstTry, std::string::npos);
@@ -193,7 +194,8 @@ TEST_F(SftpFailureTest, emptyPasswordIsRefusedByTheServer) {
     const SftpServer server;
     Transfer transfer = transferOver(server);
     transfer.password = "";
-    EXPECT_THAT(transfer.run(), outcome(-1, "the server 127.0.0.1 does not accept the user tester with this password"));
+    EXPECT_THAT(transfer.run(),
+                outcome(-1, "the server 127.0.0.1 does not accept the user tester with this password; check both"));
     expectUntouched(server, transfer);
 }
 
@@ -296,7 +298,8 @@ TEST_F(SftpFailureTest, missingFolder) {
     const SftpServer server;
     Transfer transfer = transferTo(server);
     transfer.remotePath = server.folder() / "missing/remote";
-    EXPECT_THAT(transfer.run(), outcome(-2, "the folder of " + transfer.remotePath + " is not there on the server"));
+    EXPECT_THAT(transfer.run(),
+                outcome(-2, "the folder of " + transfer.remotePath + " is not there on the server; make it first"));
     EXPECT_THAT(server.names(), IsEmpty());
 }
 
@@ -335,7 +338,8 @@ TEST_F(SftpFailureTest, missingFolderWithALongName) {
     for (int i = 0; i < 300; ++i) {
         transfer.remotePath += "/ä";
     }
-    EXPECT_THAT(transfer.run(), outcome(-2, "the folder of " + transfer.remotePath + " is not there on the server"));
+    EXPECT_THAT(transfer.run(),
+                outcome(-2, "the folder of " + transfer.remotePath + " is not there on the server; make it first"));
 }
 
 TEST_F(SftpFailureTest, folderInThePlaceOfTheFile) {

@@ -188,9 +188,11 @@ TEST_F(SftpWrapperTest, debugDoesNotHideAFailure) {
     Transfer transfer = transferTo(server);
     transfer.debug = true;
     transfer.remotePath = server.folder() / "missing/file";
-    EXPECT_EQ(transfer.run().sentence, "the folder of " + transfer.remotePath + " is not there on the server");
+    EXPECT_EQ(transfer.run().sentence,
+              "the folder of " + transfer.remotePath + " is not there on the server; make it first");
     transfer.password = "wrong";
-    EXPECT_EQ(transfer.run().sentence, "the server 127.0.0.1 does not accept the user tester with this password");
+    EXPECT_EQ(transfer.run().sentence,
+              "the server 127.0.0.1 does not accept the user tester with this password; check both");
 }
 
 TEST_F(SftpWrapperTest, bannerOfTheServerIsNoFailure) {
@@ -205,7 +207,8 @@ TEST_F(SftpWrapperTest, bannerOfTheServerIsNoFailure) {
     EXPECT_EQ(transfer.run(), success);
     transfer.debug = false;
     transfer.password = "wrong";
-    EXPECT_EQ(transfer.run().sentence, "the server 127.0.0.1 does not accept the user tester with this password");
+    EXPECT_EQ(transfer.run().sentence,
+              "the server 127.0.0.1 does not accept the user tester with this password; check both");
 }
 
 TEST_F(SftpWrapperTest, passwordIsSentAsItIs) {

@@ -51,6 +51,8 @@ TEST(CompletionTest, offersEveryCommandOfTheHelp) {
     EXPECT_THAT(offered({""}), IsSupersetOf(ProgramWords::commands()));
     EXPECT_THAT(offered({"--node", "n", "ex"}), ElementsAre("export"));
     EXPECT_THAT(offered({"list", ""}), IsEmpty());
+    EXPECT_THAT(offered({"help", ""}), IsSupersetOf(ProgramWords::commands()));
+    EXPECT_THAT(offered({"help", "list", ""}), IsEmpty());
 }
 
 TEST(CompletionTest, offersEveryOptionOfTheHelpBeforeAndBehindTheCommand) {
@@ -83,6 +85,26 @@ TEST(CompletionTest, offersTheSchemaIdsOfTheNode) {
     EXPECT_THAT(offered({"--models", "~/models", "get", "T"}, atHome), ElementsAre("TransportModel"));
     EXPECT_THAT(offered({"get", ""}), IsEmpty());
     EXPECT_THAT(offered({"--node", TEV_EXAMPLE_NODE, "export", "--all", ""}), IsEmpty());
+}
+
+// Words were passed on with their quotes, so that the folder was not found.
+TEST(CompletionTest, knowsANodeWhoseNameIsQuoted) {
+    const TempFolder folder;
+    const std::string node = folder.path() / R"(my "own" $node's\)";
+    std::filesystem::create_directories(node + "/models");
+    std::filesystem::copy_file(TEV_EXAMPLE_NODE "/models/TransportModel.xml", node + "/models/a.xml");
+    std::filesystem::copy_file(TEV_EXAMPLE_NODE "/managed-objects.xml", node + "/managed-objects.xml");
+    ChildProcess::Setting setting;
+    setting.workingFolder = folder.path();
+    setting.environment["HOME"] = folder.path();
+    for (const std::string typed : {R"('my "own" $node'\''s\')", R"("my \"own\" \$node's\\")",
+                                    R"(my\ \"own\"\ \$node\'s\\)", R"(~/my' "own" $node'"'s"'\')"}) {
+        EXPECT_THAT(offered({"--node", typed, "get", "T"}, setting), ElementsAre("TransportModel")) << typed;
+    }
+    EXPECT_THAT(offered({"--node", "=", R"('my "own" $node'\''s\')", "get", "T"}, setting),
+                ElementsAre("TransportModel"));
+    EXPECT_THAT(offered({"--node", "'my \"own\" $(touch mark)", "get", "T"}, setting), IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "mark"));
 }
 
 TEST(CompletionTest, offersAttributesBehindWhatToGet) {

@@ -82,9 +82,9 @@ TevException TransferFailure::ofConnection(const std::vector<std::string>& words
         {"Timeout, server ", "not responding", "", TevReturnFailure, "the server %h, port %p, does not answer: %l"},
         // These begin with the user's name, or the name of a step.
         {"", ": Permission denied (", "password", TevReturnFailure,
-         "the server %h does not accept the user %u with this password"},
+         "the server %h does not accept the user %u with this password; check both"},
         {"", ": Permission denied (", "keyboard-interactive", TevReturnFailure,
-         "the server %h does not accept the user %u with this password"},
+         "the server %h does not accept the user %u with this password; check both"},
         {"", ": Permission denied (", "", TevReturnFailure,
          "the server %h does not let the user %u in with a password: %r"},
         {"", "Connection reset by", "", TevReturnFailure, "the server %h, port %p, has ended the connection: %l"},
@@ -96,7 +96,7 @@ TevException TransferFailure::ofConnection(const std::vector<std::string>& words
 TevException TransferFailure::ofPut(const std::vector<std::string>& words) const {
     static const std::vector<Row> rows = {
         {"dest open ", ": No such file or directory", "", TevReturnNotFound,
-         "the folder of %f is not there on the server"},
+         "the folder of %f is not there on the server; make it first"},
         {"dest open ", ": Permission denied", "", TevReturnFailure,
          "the user %u may not write into the folder of %f on the server"},
         {"dest open ", "", "", TevReturnFailure, "the server does not create a file beside %f: %r"},

@@ -66,9 +66,9 @@ typedef struct DalOamSpiManagedObject_1 {
     TevReturnT (*setMoAttribute)(unsigned long txHandle, const char* dn, const char* attributeName,
                                  DalMoAttributeValueContainer* value);
 
-    /// Reads an attribute. On success returns 0 and sets `*result`. Returns -1 for a DN that names no instance of the
-    /// class, -2 when there is no such object or attribute, -8 for a null argument, -10 when memory runs out, 2 when
-    /// the callee is not started. [any-thread, in-transaction]
+    /// Reads an attribute. On success returns 0 and sets `*result`. Returns -1 for a DN that no instance of the
+    /// class can have, -2 when there is no such object or attribute, -8 for a null argument, -10 when memory runs out,
+    /// 2 when the callee is not started. [any-thread, in-transaction]
     TevReturnT (*getMoAttribute)(unsigned long txHandle, const char* dn, const char* attributeName,
                                  DalMoAttributeValueContainer** result);
 

@@ -1,6 +1,7 @@
 #ifndef GOOD_COMPONENT_H
 #define GOOD_COMPONENT_H
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <deque>
@@ -50,6 +51,7 @@ public:
     }
 
     static constexpr TevReturnT refused = TevReturnFailure;
+    static constexpr const char* someDn = "ManagedElement=1,SysM=1,Schema=one";
     inline static GoodComponent* current = nullptr;
 
     DalMgmtSpiInterface_1 portalInterface = {"DalPortalService", "DalPortal", "3"};
@@ -60,7 +62,7 @@ public:
     DalMgmtSpiInterface_1* dependencies[3] = {&portalInterface, nullptr, nullptr};
     DalMgmtSpiInterface_1* extras[2] = {nullptr, nullptr};
     std::vector<std::string> keys = {"one", "two"};
-    bool isStarted = false;
+    std::atomic<bool> isStarted{false};
 
     /// What is handed out in a transaction.
     struct Memory {
@@ -94,7 +96,10 @@ public:
         return false;
     }
 
-    static bool isSchemaDn(const char* dn) { return std::strstr(dn, ",Schema=") != nullptr; }
+    static bool isSchemaDn(const char* dn) {
+        const char* const parent = std::strstr(dn, ",SysM=");
+        return parent != nullptr && std::strstr(parent, ",Schema=") != nullptr;
+    }
 
     static bool hasAttribute(const char* name) {
         for (const char* const known :
@@ -143,6 +148,9 @@ public:
         if (dn == nullptr || attribute == nullptr || result == nullptr) {
             return TevReturnInvalidArgument;
         }
+        if (!current->isStarted) {
+            return TevReturnNotStarted;
+        }
         if (!isSchemaDn(dn)) {
             return refused;
         }
@@ -165,6 +173,9 @@ public:
         if (parent == nullptr || className == nullptr || iterator == nullptr) {
             return TevReturnInvalidArgument;
         }
+        if (!current->isStarted) {
+            return TevReturnNotStarted;
+        }
         if (std::strcmp(className, "Schema") != 0 || std::strstr(parent, ",SysM=") == nullptr) {
             return refused;
         }
@@ -177,6 +188,9 @@ public:
     static TevReturnT nextMo(void* iterator, char** result) {
         if (result == nullptr) {
             return TevReturnInvalidArgument;
+        }
+        if (!current->isStarted) {
+            return TevReturnNotStarted;
         }
         const std::lock_guard<std::mutex> lock(current->mutex);
         const auto found = current->iterators.find(iterator);

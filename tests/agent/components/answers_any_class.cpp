@@ -4,7 +4,7 @@
 void damage(GoodComponent& component) {
     component.objects.getMoAttribute = [](unsigned long txHandle, const char* dn, const char* attribute,
                                           DalMoAttributeValueContainer** result) {
-        const bool isOther = dn != nullptr && !GoodComponent::isSchemaDn(dn);
-        return GoodComponent::getMoAttribute(txHandle, isOther ? ",Schema=one" : dn, attribute, result);
+        const bool isOther = dn != nullptr && std::strstr(dn, ",Schema=") == nullptr;
+        return GoodComponent::getMoAttribute(txHandle, isOther ? GoodComponent::someDn : dn, attribute, result);
     };
 }

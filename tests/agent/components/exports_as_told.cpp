@@ -51,7 +51,7 @@ void damage(GoodComponent& component) {
     };
     component.objects.getMoAttribute = [](unsigned long txHandle, const char*, const char* attribute,
                                           DalMoAttributeValueContainer** result) {
-        return GoodComponent::getMoAttribute(txHandle, ",Schema=one", attribute, result);
+        return GoodComponent::getMoAttribute(txHandle, GoodComponent::someDn, attribute, result);
     };
     component.resource.validate = [](unsigned long, bool* result) {
         *result = isWanted;
