@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Diagnostics.h"
 #include "Failure.h"
 #include "ModelFolder.h"
 #include "Portal.h"

@@ -2,7 +2,6 @@
 #define TEV_AGENT_PORTAL_SERVICE_H
 
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "AnnotatedMutex.h"

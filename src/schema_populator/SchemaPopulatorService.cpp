@@ -3,6 +3,7 @@
 #include <set>
 #include <string>
 
+#include "DalPortal.h"
 #include "Log.h"
 #include "ProcessUtil.h"
 #include "TevException.h"

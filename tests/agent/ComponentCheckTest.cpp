@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <mutex>
-#include <stdexcept>
 #include <thread>
 
 #include "Interruption.h"

@@ -15,7 +15,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <stdexcept>
 #include <thread>
 
 #include "AsNobody.h"
