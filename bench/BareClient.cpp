@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstddef>
 #include <stdexcept>
 #include <vector>

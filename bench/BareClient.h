@@ -6,7 +6,6 @@
 
 #include "ClientProcess.h"
 #include "FileDescriptor.h"
-#include "KnownHosts.h"
 #include "PseudoTerminal.h"
 #include "TransferSettings.h"
 

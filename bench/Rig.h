@@ -2,7 +2,6 @@
 #define RIG_H
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>

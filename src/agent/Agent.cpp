@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Diagnostics.h"
 #include "Failure.h"
 #include "ModelFolder.h"
 #include "Portal.h"
@@ -42,7 +43,7 @@ std::chrono::milliseconds readTimeout(const std::string& file) {
         Tev::TevConfiguration configuration;
         if (!file.empty()) {
             configuration.load(file);
-            const auto components = configuration.getElementsByTagName("TevSchemaMoService");
+            const auto components = configuration.getElementsByTagName(SchemaClass::route().component);
             const auto* const only = dynamic_cast<const Poco::XML::Element*>(components->item(0));
             text = components->length() == 1
                        ? Tev::TevConfiguration::getElementValue(configuration, only, "sftpTimeout")

@@ -11,6 +11,7 @@
 #include "CheckSubject.h"
 #include "ComponentLibrary.h"
 #include "DalOamSpiManagedObject.h"
+#include "Diagnostics.h"
 #include "ModelRepository.h"
 #include "ObjectStore.h"
 #include "PortalService.h"

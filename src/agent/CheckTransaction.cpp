@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "Diagnostics.h"
 #include "Interruption.h"
 #include "ValueText.h"
 

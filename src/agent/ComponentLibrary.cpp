@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "Barrier.h"
+#include "Diagnostics.h"
 #include "Failure.h"
 #include "Loader.h"
 

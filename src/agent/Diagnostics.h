@@ -8,8 +8,8 @@ namespace TevAgent {
 
 /// What the operator is told of failures: sentences on standard error, one a line, each after "tev-agent: ".
 ///
-/// Control characters are written as escapes, so one sentence can never pose as two. Thread-safe; a line is written
-/// whole.
+/// Control characters are written as escapes, so one sentence can never pose as two, and a byte that is not UTF-8 as
+/// U+FFFD. Thread-safe; a line is written whole.
 class Diagnostics {
 public:
     /// Says `sentence`: to the innermost `Capture` of the calling thread, or to the operator when there is none.

@@ -11,7 +11,6 @@
 
 #include "AnnotatedMutex.h"
 #include "Diagnostics.h"
-#include "Failure.h"
 #include "Interruption.h"
 #include "LiveLine.h"
 #include "Operation.h"

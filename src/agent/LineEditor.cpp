@@ -42,8 +42,7 @@ std::string commonBeginning(const std::vector<std::string>& candidates) {
         common.erase(differing, common.end());
     }
     const auto isInsideCharacter = [&](const std::string& candidate) {
-        return candidate.size() > common.size() &&
-               (static_cast<unsigned char>(candidate[common.size()]) & 0xC0U) == 0x80;
+        return candidate.size() > common.size() && Utf8::isContinuation(candidate[common.size()]);
     };
     while (!common.empty() && std::any_of(candidates.begin(), candidates.end(), isInsideCharacter)) {
         common.pop_back();

@@ -14,7 +14,7 @@ namespace {
 /// `text` without what goes beyond the terminal's last column but one: at the last one some begin a new line.
 std::string fitted(const std::string& text) {
     const std::size_t width = Screen::columnsOf(STDERR_FILENO) - 1;
-    return std::string(Utf8::fitted(Text::escaped(Utf8::repaired(text)), width));
+    return std::string(Utf8::fitted(Text::escaped(text), width));
 }
 
 }  // namespace

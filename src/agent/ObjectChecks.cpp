@@ -4,6 +4,7 @@
 #include <set>
 
 #include "CheckTransaction.h"
+#include "Diagnostics.h"
 #include "Rdn.h"
 #include "Text.h"
 #include "Utf8.h"

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Barrier.h"
+#include "Diagnostics.h"
 #include "Failure.h"
 #include "StartOrder.h"
 #include "TableCheck.h"

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "AnnotatedMutex.h"

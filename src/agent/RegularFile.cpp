@@ -18,13 +18,7 @@ std::string textOf(int error) {
     return std::generic_category().message(error);
 }
 
-int openForReading(const std::filesystem::path& path) {
-    // Opening a fifo for reading would wait for its writer.
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (descriptor >= 0) {
-        return descriptor;
-    }
-    const int error = errno;
+[[noreturn]] void failToOpen(const std::filesystem::path& path, int error) {
     std::error_code ignored;
     if (error == ENOENT && std::filesystem::is_symlink(path, ignored)) {
         throw FileError(0, "a link to a file that does not exist");
@@ -47,23 +41,18 @@ void requireRegular(int descriptor) {
 
 }  // namespace
 
-RegularFile::RegularFile(const std::filesystem::path& path) : descriptor(openForReading(path)) {
-    try {
-        requireRegular(descriptor);
-    } catch (...) {
-        close(descriptor);
-        throw;
+// Opening a fifo for reading would wait for its writer.
+RegularFile::RegularFile(const std::filesystem::path& path) : file(path.c_str(), O_RDONLY | O_NONBLOCK) {
+    if (file.descriptor < 0) {
+        failToOpen(path, errno);
     }
-}
-
-RegularFile::~RegularFile() {
-    close(descriptor);
+    requireRegular(file.descriptor);
 }
 
 std::size_t RegularFile::read(char* buffer, std::size_t size) {
     ssize_t count = 0;
     do {
-        count = ::read(descriptor, buffer, size);
+        count = ::read(file.descriptor, buffer, size);
     } while (count < 0 && errno == EINTR);
     if (count < 0) {
         throw FileError(0, "cannot be read: " + textOf(errno));

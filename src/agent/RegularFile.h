@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <filesystem>
 
+#include "OpenFile.h"
+
 namespace TevAgent {
 
 /// A regular file, open for reading. Whatever else bears the name (a folder, a fifo, a device) is refused without
@@ -12,16 +14,13 @@ class RegularFile {
 public:
     /// Opens `path`, following links. Throws `FileError` (without a line) when that fails.
     explicit RegularFile(const std::filesystem::path& path);
-    ~RegularFile();
-    RegularFile(const RegularFile&) = delete;
-    RegularFile& operator=(const RegularFile&) = delete;
 
     /// Reads up to `size` bytes into `buffer` with one call of read(2) and returns how many there were, 0 at the end
     /// of the file. Throws `FileError` (without a line) when reading fails.
     std::size_t read(char* buffer, std::size_t size);
 
 private:
-    const int descriptor;
+    const OpenFile file;
 };
 
 }  // namespace TevAgent

@@ -1,7 +1,6 @@
 #ifndef TEV_AGENT_ROUTE_TABLE_H
 #define TEV_AGENT_ROUTE_TABLE_H
 
-#include <string>
 #include <string_view>
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Barrier.h"
+#include "Diagnostics.h"
 
 namespace TevAgent {
 

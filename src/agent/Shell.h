@@ -1,8 +1,6 @@
 #ifndef TEV_AGENT_SHELL_H
 #define TEV_AGENT_SHELL_H
 
-#include <string>
-
 #include "Agent.h"
 #include "ExitStatus.h"
 #include "LineSource.h"

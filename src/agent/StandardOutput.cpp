@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <string>
 #include <system_error>
 #include <utility>
 

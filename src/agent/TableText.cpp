@@ -6,33 +6,21 @@
 
 #include "AlignedTable.h"
 #include "Text.h"
-#include "Utf8.h"
 
 namespace TevAgent {
 
 namespace {
-
-std::string cell(const std::string& text) {
-    return Text::escaped(Utf8::repaired(text));
-}
 
 AlignedTable::Row rowOf(const Instance& instance) {
     AlignedTable::Row row;
     for (const Instance::Attribute& attribute : instance.attributes) {
         std::string values;
         for (const std::string& value : attribute.values) {
-            values += cell(value) + ", ";
+            values += Text::escaped(value) + ", ";
         }
         row.push_back(values.substr(0, values.empty() ? 0 : values.size() - 2));
     }
     return row;
-}
-
-/// How `subject` came out, in a line.
-std::string outcomeOf(const std::string& subject, bool isGood, const std::string& word, const std::string& remark,
-                      const Screen& screen) {
-    return cell(subject) + ": " + screen.emphasised(isGood ? Screen::Emphasis::Good : Screen::Emphasis::Bad, word) +
-           (remark.empty() ? "" : ": " + cell(remark)) + "\n";
 }
 
 }  // namespace
@@ -40,7 +28,7 @@ std::string outcomeOf(const std::string& subject, bool isGood, const std::string
 std::string TableText::of(const std::vector<std::string>& attributeNames, const std::vector<Instance>& instances,
                           const Screen& screen) {
     AlignedTable::Row header;
-    std::transform(attributeNames.begin(), attributeNames.end(), std::back_inserter(header), cell);
+    std::transform(attributeNames.begin(), attributeNames.end(), std::back_inserter(header), Text::escaped);
     std::vector<AlignedTable::Row> rows;
     std::transform(instances.begin(), instances.end(), std::back_inserter(rows), rowOf);
     return AlignedTable::of(header, rows, screen);
@@ -55,7 +43,7 @@ std::string TableText::of(const CheckResult& result, const Screen& screen) {
     const Screen::Emphasis emphasis = result.isBad() ? Screen::Emphasis::Bad : Screen::Emphasis::Good;
     return (isPlain ? word : screen.emphasised(emphasis, word)) + std::string(wordWidth - word.size(), ' ') +
            result.id + std::string(idWidth - std::min(idWidth, result.id.size()), ' ') + result.description +
-           (result.remark.empty() ? "" : ": " + cell(result.remark)) + "\n";
+           (result.remark.empty() ? "" : ": " + Text::escaped(result.remark)) + "\n";
 }
 
 std::string TableText::summaryOf(const std::vector<CheckResult>& results) {
@@ -71,8 +59,10 @@ std::string TableText::summaryOf(const std::vector<CheckResult>& results) {
 }
 
 std::string TableText::of(const ExportResult& result, const Screen& screen) {
-    return outcomeOf(result.model, result.isExported, result.isExported ? "exported" : "failed", result.message,
-                     screen);
+    const std::string word = result.isExported ? screen.emphasised(Screen::Emphasis::Good, "exported")
+                                               : screen.emphasised(Screen::Emphasis::Bad, "failed");
+    return Text::escaped(result.model) + ": " + word +
+           (result.message.empty() ? "" : ": " + Text::escaped(result.message)) + "\n";
 }
 
 std::string TableText::summaryOf(const std::vector<ExportResult>& results) {

@@ -1,10 +1,11 @@
 #include "Text.h"
 
-#include <Poco/UTF8Encoding.h>
 #include <Poco/Unicode.h>
 
 #include <cstddef>
 #include <cstdio>
+
+#include "Utf8.h"
 
 namespace TevAgent::Text {
 
@@ -13,32 +14,12 @@ namespace {
 constexpr std::string_view whiteSpace = " \t\r\n";
 constexpr std::size_t maxShown = 80;
 
-struct Character {
-    unsigned int code = 0;
-    std::size_t size = 1;  ///< in bytes
-};
-
-/// The character that `text` has at `position`; a byte that is no character stands for U+FFFD, which is printable.
-Character characterAt(std::string_view text, std::size_t position) {
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data()) + position;
-    if (*bytes < 0x80) {
-        return {*bytes, 1};  // nearly all are like that
-    }
-    const Poco::UTF8Encoding utf8;
-    const int size = utf8.sequenceLength(bytes, 1);
-    const bool isWhole = size > 0 && static_cast<std::size_t>(size) <= text.size() - position;
-    if (!isWhole || !Poco::UTF8Encoding::isLegal(bytes, size)) {
-        return {0xfffd, 1};
-    }
-    return {static_cast<unsigned int>(utf8.queryConvert(bytes, size)), static_cast<std::size_t>(size)};
-}
-
-bool isControl(unsigned int code) {
+bool isControl(char32_t code) {
     return code < 0x20 || (code >= 0x7f && code <= 0x9f);
 }
 
 /// Whether a terminal shows nothing for the character, but may show others in another order or place because of it.
-bool isInvisible(unsigned int code) {
+bool isInvisible(char32_t code) {
     if (code < 0x80) {
         return false;
     }
@@ -48,12 +29,7 @@ bool isInvisible(unsigned int code) {
            properties.type == Poco::Unicode::UCP_PARAGRAPH_SEPARATOR;
 }
 
-/// Whether `byte` is not the first one of a UTF-8 character.
-bool isContinuation(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80U;
-}
-
-std::string escapeOf(unsigned int code) {
+std::string escapeOf(char32_t code) {
     switch (code) {
         case '\n':
             return "\\n";
@@ -67,7 +43,7 @@ std::string escapeOf(unsigned int code) {
                           code < 0x100     ? "\\x%02x"
                           : code < 0x10000 ? "\\u%04x"
                                            : "\\U%08x",
-                          code);
+                          static_cast<unsigned int>(code));
             return escape;
         }
     }
@@ -76,27 +52,26 @@ std::string escapeOf(unsigned int code) {
 }  // namespace
 
 bool hasControl(std::string_view text) {
-    for (std::size_t position = 0; position < text.size();) {
-        const Character character = characterAt(text, position);
-        if (isControl(character.code)) {
+    while (!text.empty()) {
+        if (isControl(Utf8::takeFirst(text))) {
             return true;
         }
-        position += character.size;
     }
     return false;
 }
 
 std::string escaped(std::string_view text) {
+    const std::string repaired = Utf8::repaired(text);
     std::string result;
-    result.reserve(text.size());
-    for (std::size_t position = 0; position < text.size();) {
-        const Character character = characterAt(text, position);
-        if (isControl(character.code) || isInvisible(character.code)) {
-            result += escapeOf(character.code);
+    result.reserve(repaired.size());
+    for (std::string_view rest = repaired; !rest.empty();) {
+        const std::string_view before = rest;
+        const char32_t code = Utf8::takeFirst(rest);
+        if (isControl(code) || isInvisible(code)) {
+            result += escapeOf(code);
         } else {
-            result += text.substr(position, character.size);
+            result += before.substr(0, before.size() - rest.size());
         }
-        position += character.size;
     }
     return result;
 }
@@ -118,7 +93,7 @@ std::string shortened(std::string_view text) {
         return std::string(text);
     }
     std::size_t end = maxShown;
-    while (end > 0 && isContinuation(text[end])) {
+    while (end > 0 && Utf8::isContinuation(text[end])) {
         --end;
     }
     return std::string(text.substr(0, end)) + "...";

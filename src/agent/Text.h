@@ -5,7 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// What the readers of files ask of texts. Texts are UTF-8.
+/// What readers of files, and what is shown on a terminal, ask of texts. Texts are UTF-8, unless a function says what
+/// it makes of others.
 namespace TevAgent::Text {
 
 /// Whether `text` holds a control character: U+0000 to U+001F, U+007F to U+009F.
@@ -13,7 +14,7 @@ bool hasControl(std::string_view text);
 
 /// `text` with each of its control characters, and of the invisible ones that change how a terminal shows the others
 /// (U+202E and its like), written as an escape: `\n`, `\t`, `\r`, else `\x`, `\u` or `\U` and the code in two, four or
-/// eight hexadecimal digits. A byte that is not UTF-8 stays as it is.
+/// eight hexadecimal digits. A byte that is not UTF-8 becomes U+FFFD: a terminal may take it for a control character.
 std::string escaped(std::string_view text);
 
 /// Whether all of `text` is what XML calls white space; so is an empty text.

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "CheckTransaction.h"
+#include "Diagnostics.h"
 
 namespace TevAgent {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Barrier.h"
+#include "Diagnostics.h"
 #include "TableCheck.h"
 
 namespace TevAgent {

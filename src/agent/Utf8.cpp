@@ -3,25 +3,17 @@
 #include <unistr.h>
 #include <uniwidth.h>
 
-#include <algorithm>
 #include <cstdint>
 
 namespace TevAgent {
 
 namespace {
 
-/// The length in bytes of the well-formed character that `text`, which is not empty, begins with, or 0. Its code is
-/// U+FFFD then.
-std::size_t characterSize(std::string_view text, ucs4_t& code) {
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    const int size = u8_mbtoucr(&code, bytes, text.size());
-    return size > 0 ? static_cast<std::size_t>(size) : 0;
-}
+constexpr char32_t replacement = 0xfffd;
 
 /// Takes the first character off `text`, which is not empty, and returns its width in columns.
-std::size_t takeFirst(std::string_view& text) {
-    ucs4_t code = 0;
-    text.remove_prefix(std::max<std::size_t>(characterSize(text, code), 1));
+std::size_t takeWidth(std::string_view& text) {
+    const char32_t code = Utf8::takeFirst(text);
     const bool isAscii = code < 0x80;  // nearly all are like that
     const int width = isAscii ? 1 : uc_width(code, "UTF-8");
     return width < 0 ? 1 : static_cast<std::size_t>(width);
@@ -29,13 +21,21 @@ std::size_t takeFirst(std::string_view& text) {
 
 }  // namespace
 
+char32_t Utf8::takeFirst(std::string_view& text) {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    ucs4_t code = 0;
+    const int size = u8_mbtoucr(&code, bytes, text.size());
+    text.remove_prefix(size > 0 ? static_cast<std::size_t>(size) : 1);
+    return size > 0 ? code : replacement;
+}
+
 std::string Utf8::repaired(std::string_view text) {
     std::string result;
+    result.reserve(text.size());
     while (!text.empty()) {
-        ucs4_t code = 0;
-        const std::size_t size = characterSize(text, code);
-        result += size == 0 ? "\xef\xbf\xbd" : text.substr(0, size);
-        text.remove_prefix(std::max<std::size_t>(size, 1));
+        const std::string_view before = text;
+        const bool isReplaced = takeFirst(text) == replacement;
+        result += isReplaced ? "\xef\xbf\xbd" : before.substr(0, before.size() - text.size());
     }
     return result;
 }
@@ -43,7 +43,7 @@ std::string Utf8::repaired(std::string_view text) {
 std::size_t Utf8::columns(std::string_view text) {
     std::size_t sum = 0;
     while (!text.empty()) {
-        sum += takeFirst(text);
+        sum += takeWidth(text);
     }
     return sum;
 }
@@ -52,7 +52,7 @@ std::string_view Utf8::fitted(std::string_view text, std::size_t columns) {
     std::string_view rest = text;
     std::size_t fitting = 0;
     std::size_t sum = 0;
-    while (!rest.empty() && (sum += takeFirst(rest)) <= columns) {
+    while (!rest.empty() && (sum += takeWidth(rest)) <= columns) {
         fitting = text.size() - rest.size();
     }
     return text.substr(0, fitting);

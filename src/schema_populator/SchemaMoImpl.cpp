@@ -82,7 +82,7 @@ struct AddressList {
     AddressList& operator=(const AddressList&) = delete;
 };
 
-/// The helpers below are the steps of this function, and what they log bears its name.
+/// What follows are the steps of this function, and what they log bears its name.
 constexpr const char* fetchFunction = "fetchCipherAttrValues";
 
 /// Empty when there is none.

@@ -3,6 +3,7 @@
 #include <set>
 #include <string>
 
+#include "DalPortal.h"
 #include "Log.h"
 #include "ProcessUtil.h"
 #include "TevException.h"
@@ -41,7 +42,7 @@ TevReturnT fetch(const DalPortal_3& portal, const DalMgmtSpiInterface_1& wanted,
     return result;
 }
 
-/// The helpers below are the steps of this function, and what they log bears its name.
+/// What follows are the steps of this function, and what they log bears its name.
 constexpr const char* populateFunction = "populateSchemaData";
 
 /// A name or path that the repository leaves null reads as an empty text.

@@ -10,7 +10,6 @@
 #include "DalOamSpiModelRepositoryExtension.h"
 #include "DalOamSpiTransaction.h"
 #include "DalOamSpiTransactionalResource.h"
-#include "DalPortal.h"
 #include "SchemaConfiguration.h"
 #include "SchemaData.h"
 #include "SchemaMoImpl.h"

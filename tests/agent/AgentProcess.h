@@ -28,6 +28,10 @@ public:
     /// Waits for the end.
     AgentOutcome outcome();
 
+    /// Returns once the program, which is about to wait for something, does so, or has ended. (The thread sanitizer
+    /// loses a signal that comes when a program is just beginning to wait for the first time.)
+    void waitUntilAsleep();
+
     /// Runs the program from start to end.
     static AgentOutcome run(const std::vector<std::string>& arguments, const Setting& setting = {});
 };

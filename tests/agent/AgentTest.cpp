@@ -2,9 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-
 #include <cstdint>
+#include <filesystem>
 
 #include "DalOamSpiModelRepository.h"
 #include "Failure.h"
@@ -13,6 +12,7 @@
 #include "ObjectReader.h"
 #include "Operation.h"
 #include "Portal.h"
+#include "SchemaConfiguration.h"
 #include "ScopedTransaction.h"
 #include "TestNode.h"
 
@@ -100,10 +100,11 @@ TEST_F(AgentTest, knowsHowLongATransferMayTake) {
     };
     const std::string one = "<TevSchemaMoService><sftpTimeout>60000</sftpTimeout></TevSchemaMoService>";
     EXPECT_EQ(timeoutWith("<configuration>" + one + "</configuration>"), 60000);
-    EXPECT_EQ(timeoutWith("<configuration>" + one + one + "</configuration>"), 180000);
-    EXPECT_EQ(timeoutWith("<configuration><TevSchemaMoService/></configuration>"), 180000);
-    EXPECT_EQ(timeoutWith("<configuration/>"), 180000);
-    EXPECT_EQ(Agent({node.path() + "/models", "", ""}).transferTimeout().count(), 180000);
+    const long usual = TevSchemaPopulator::SchemaConfiguration().getSftpTimeout();
+    EXPECT_EQ(timeoutWith("<configuration>" + one + one + "</configuration>"), usual);
+    EXPECT_EQ(timeoutWith("<configuration><TevSchemaMoService/></configuration>"), usual);
+    EXPECT_EQ(timeoutWith("<configuration/>"), usual);
+    EXPECT_EQ(Agent({node.path() + "/models", "", ""}).transferTimeout().count(), usual);
 }
 
 TEST_F(AgentTest, refusesInputsThatCannotBeUsed) {

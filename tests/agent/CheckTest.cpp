@@ -309,6 +309,7 @@ TEST(CheckTest, anInterruptEndsTheCheckAndItsProcess) {
     AgentProcess agent({"check", library("endless_start"), "--time-limit", "600", "--only", "lifecycle.start"});
     const pid_t child = childOf(agent);
     ASSERT_GT(child, 0);
+    agent.waitUntilAsleep();
     agent.send(SIGINT);
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);
@@ -325,6 +326,7 @@ TEST(CheckTest, anItemThatCrashesLeavesNoCoreFile) {
     const pid_t child = childOf(agent);
     ASSERT_GT(child, 0);
     ASSERT_EQ(prlimit(child, RLIMIT_CORE, nullptr, &limit), 0);
+    agent.waitUntilAsleep();
     agent.send(SIGINT);
     EXPECT_EQ(agent.outcome().status, 130);
     EXPECT_EQ(limit.rlim_cur, 0U);

@@ -6,8 +6,8 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <memory>
 
+#include "Diagnostics.h"
 #include "Failure.h"
 #include "FileText.h"
 #include "PortalService.h"

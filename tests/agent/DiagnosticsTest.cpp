@@ -23,6 +23,11 @@ TEST(DiagnosticsTest, writesControlCharactersAsEscapesSoOneSentenceIsOneLine) {
     EXPECT_EQ(onStandardError([] { Diagnostics::say("a\nb\x1b[2J"); }), "tev-agent: a\\nb\\x1b[2J\n");
 }
 
+// Some terminals take the byte 0x9b for an escape and a bracket.
+TEST(DiagnosticsTest, writesNoByteThatIsNotUtf8) {
+    EXPECT_EQ(onStandardError([] { Diagnostics::say("\x9bm"); }), "tev-agent: \xef\xbf\xbdm\n");
+}
+
 TEST(DiagnosticsTest, namesTheLineOfAScriptThatASentenceIsAboutWhoeverSaysIt) {
     EXPECT_EQ(onStandardError([] {
                   {

@@ -2,9 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <future>
-#include <thread>
 
 #include "EnvironmentVariable.h"
 #include "FileText.h"

@@ -10,17 +10,15 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
-#include <thread>
 #include <tuple>
 #include <utility>
 
 #include "AgentProcess.h"
-#include "FileText.h"
 #include "Pipe.h"
 #include "Terminal.h"
 #include "TestNode.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -52,23 +50,11 @@ protected:
         return "export " + dn + " (type 9, 1: " + uri + ") (type 9, 1: " + password + ")\n";
     }
 
-    /// Waits until the agent, which is about to wait for something, does so, or has ended. (The thread sanitizer loses
-    /// a signal that comes when a program is just beginning to wait for the first time.)
-    static void waitUntilAsleep(AgentProcess& agent) {
-        const std::string file = "/proc/" + std::to_string(agent.id()) + "/stat";
-        while (!agent.hasEnded() && contents(file).find(") S ") == std::string::npos) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
-
     /// Waits until the agent has read what was written to its standard input, and waits for more, or has ended.
     static void waitUntilItWantsMore(AgentProcess& agent, const Pipe& input) {
         int unread = 1;
-        while (unread > 0 && !agent.hasEnded()) {
-            ASSERT_EQ(ioctl(input.reading(), FIONREAD, &unread), 0);
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        waitUntilAsleep(agent);
+        waitUntil([&] { return agent.hasEnded() || (ioctl(input.reading(), FIONREAD, &unread) == 0 && unread == 0); });
+        agent.waitUntilAsleep();
     }
 
     TestNode node;
@@ -246,7 +232,7 @@ TEST_F(ExportTest, anInterruptWhileThePasswordIsAskedForGivesTheTerminalItsEchoB
         setting.terminal = terminal.path();
         AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
         terminal.waitFor("Password: ");
-        waitUntilAsleep(agent);
+        agent.waitUntilAsleep();
         agent.send(signal);
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);
@@ -262,7 +248,7 @@ TEST_F(ExportTest, anInterruptTypedOnTheTerminalIsOneToo) {
     setting.terminal = terminal.path();
     AgentProcess agent(arguments("exports_as_told", {"one", "sftp://h/p"}), setting);
     terminal.waitFor("Password: ");
-    waitUntilAsleep(agent);
+    agent.waitUntilAsleep();
     terminal.type("half\x03");
     EXPECT_EQ(agent.outcome().status, 130);
     EXPECT_EQ(terminal.shown(), "Password: \r\n");
@@ -335,7 +321,7 @@ TEST_F(ExportTest, anInterruptEndsTheWaitForANamedPipe) {
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     AgentProcess agent(arguments("prints", {"one", "sftp://h/p", "--password-file", pipe}), {});
     agent.waitForError("started\n");
-    waitUntilAsleep(agent);
+    agent.waitUntilAsleep();
     agent.send(SIGTERM);
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <thread>
 
 #include "AgentProcess.h"
 #include "FileText.h"
@@ -14,6 +13,7 @@
 #include "TempFolder.h"
 #include "Terminal.h"
 #include "TestNode.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -55,9 +55,7 @@ protected:
 
     /// Waits until the agent has sent so much, or has ended.
     static void waitForBytes(const TcpProxy& proxy, AgentProcess& agent, std::size_t bytes) {
-        while (proxy.bytes() < bytes && !agent.hasEnded()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        waitUntil([&] { return proxy.bytes() >= bytes || agent.hasEnded(); });
     }
 
     /// How often `part` stands in `text`.
@@ -192,9 +190,7 @@ TEST_F(ExportToServerTest, anInterruptStopsEveryModelAndTellsWhichWereNotBegun) 
         TcpProxy proxy("127.0.0.1", server.port());
         proxy.holdAfter(0);
         AgentProcess agent(withPassword({"--all", "--jobs", "3", "--output", format, uri(proxy.port(), "")}), setting);
-        while (proxy.connections() < 3 && !agent.hasEnded()) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
+        waitUntil([&] { return proxy.connections() >= 3 || agent.hasEnded(); });
         agent.send(SIGINT);
         const AgentOutcome outcome = agent.outcome();
         EXPECT_EQ(outcome.status, 130);

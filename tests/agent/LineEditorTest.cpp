@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <clocale>
-#include <cstdlib>
 #include <future>
 #include <stdexcept>
 

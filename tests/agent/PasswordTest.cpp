@@ -6,11 +6,15 @@
 #include <new>
 
 #include "Failure.h"
+#include "SftpWrapper.h"
 #include "TempFolder.h"
 
 namespace TevAgent {
 
 namespace {
+
+using testing::HasSubstr;
+using testing::Not;
 
 class PasswordTest : public testing::Test {
 protected:
@@ -45,6 +49,17 @@ TEST_F(PasswordTest, mayBeAsLongAsAnSshClientTakes) {
     EXPECT_EQ(read(longest + "\n"), longest);
     EXPECT_EQ(read(longest), longest);
     EXPECT_EQ(refusal(longest + "x\n"), "the password from " + file + " is longer than 1023 bytes");
+}
+
+TEST_F(PasswordTest, mayBeAsLongAsATransferTakes) {
+    const auto refusalOfTransfer = [](std::size_t size) {
+        Tev::SftpWrapper transfer("/nowhere", "u", std::string(size, 'x'), "127.0.0.1", "1", Tev::SftpWrapper::Upload,
+                                  "/nowhere", "/p", false, "", "", "", 0, 0);
+        transfer.execute();
+        return transfer.getErrorMessage();
+    };
+    EXPECT_THAT(refusalOfTransfer(Password::maxBytes), Not(HasSubstr("password")));
+    EXPECT_THAT(refusalOfTransfer(Password::maxBytes + 1), HasSubstr("password"));
 }
 
 TEST_F(PasswordTest, isRefusedWhenItCouldNotBePassedOn) {

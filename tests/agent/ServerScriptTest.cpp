@@ -4,14 +4,13 @@
 #include <signal.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <sstream>
-#include <thread>
 
 #include "AgentProcess.h"
 #include "FileText.h"
 #include "TempFolder.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -30,9 +29,7 @@ TEST(ServerScriptTest, anExportReachesTheUriThatItPrintsWhateverTheFolderIsCalle
         const std::string out = script.out();
         return std::count(out.begin(), out.end(), '\n');
     };
-    while (lines() < 2 && !script.hasEnded()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    waitUntil([&] { return lines() >= 2 || script.hasEnded(); });
     std::istringstream announcement(script.out());
     std::string uri;
     std::string password;

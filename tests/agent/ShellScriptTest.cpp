@@ -270,6 +270,7 @@ TEST_F(ShellScriptTest, anInterruptEndsTheWaitForALine) {
     setting.in = script.reading();
     AgentProcess agent(arguments({"--component", fault("prints")}), setting);
     agent.waitForError("started\n");
+    agent.waitUntilAsleep();
     agent.send(SIGTERM);
     const AgentOutcome outcome = agent.outcome();
     EXPECT_EQ(outcome.status, 130);

@@ -44,6 +44,12 @@ protected:
         /// Drops the line, with Ctrl-C, and waits for the prompt of another one.
         void drop() { type("\x03", "^C\r\n" + prompt); }
 
+        /// Sends it a signal while it waits.
+        void send(int signal) {
+            agent.waitUntilAsleep();
+            agent.send(signal);
+        }
+
         /// Ends it with Ctrl-D.
         int end() {
             terminal.type("\x04");
@@ -150,7 +156,7 @@ TEST_F(ShellTest, anInterruptThatIsNotTypedDropsTheLineToo) {
     Session shell = start();
     shell.type("get Nothing", "get Nothing");
     for (int i = 0; i < 3; ++i) {
-        shell.agent.send(SIGINT);
+        shell.send(SIGINT);
         shell.terminal.take("\r\n" + prompt);
     }
     shell.type("get Transport version\n", version);
@@ -160,7 +166,7 @@ TEST_F(ShellTest, anInterruptThatIsNotTypedDropsTheLineToo) {
 TEST_F(ShellTest, aSignalThatEndsProgramsEndsItInGoodOrder) {
     for (const int signal : {SIGTERM, SIGHUP}) {
         Session shell = start("prints");
-        shell.agent.send(signal);
+        shell.send(signal);
         EXPECT_EQ(shell.agent.outcome().status, 130);
         EXPECT_THAT(shell.terminal.shown(), EndsWith("unloaded\r\ntev-agent: interrupted\r\n"));
         EXPECT_TRUE(shell.terminal.hasEcho());
@@ -180,7 +186,7 @@ TEST_F(ShellTest, ctrlCEndsTheCommandThatIsUnderWayOnly) {
 TEST_F(ShellTest, aTransferIsTriedAfterAnInterrupt) {
     folder.write("password", "secret\n");
     Session shell = start();
-    shell.agent.send(SIGINT);
+    shell.send(SIGINT);
     shell.terminal.take(prompt);
     // Nobody listens there.
     EXPECT_THAT(shell.type("export Transport sftp://u@127.0.0.1:1/p --password-file password\n", prompt),

@@ -6,7 +6,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <string>
 

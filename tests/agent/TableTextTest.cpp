@@ -2,9 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include "ComponentCheck.h"
+
 namespace TevAgent {
 
 namespace {
+
+using testing::EndsWith;
 
 const std::vector<std::string> names = {"schemaId", "version", "options"};
 
@@ -85,6 +89,14 @@ TEST(TableTextTest, writesACheckResultOnOneLine) {
               "passed   a.b                              It is\n");
     EXPECT_EQ(TableText::of(CheckResult{"a.b", "It is", Outcome::Warning, "no\nfile"}),
               "warning  a.b                              It is: no\\nfile\n");
+}
+
+TEST(TableTextTest, descriptionsOfAllItemsBeginInOneColumnApartFromTheIds) {
+    for (const CheckItem& item : ComponentCheck::itemsNamed({})) {
+        const std::string line = TableText::of(CheckResult{item.id, "It is", CheckResult::Outcome::Passed, ""});
+        EXPECT_EQ(line.size(), std::string("passed   a.b                              It is\n").size()) << line;
+        EXPECT_THAT(line, EndsWith(" It is\n"));
+    }
 }
 
 TEST(TableTextTest, countsTheCheckResultsOfEachKind) {

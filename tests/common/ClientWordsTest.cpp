@@ -78,4 +78,11 @@ TEST(ClientWordsTest, controlCharactersAreReplaced) {
               "?2J?\xc2\xa0\xc3\x9b");
 }
 
+// Some terminals take the byte 0x9b for an escape and a bracket, too.
+TEST(ClientWordsTest, bytesThatAreNoCharacterAreReplaced) {
+    EXPECT_EQ(Tev::printable("\x9bm\xff\xc2"), "?m??");
+    EXPECT_EQ(Tev::printable("\xe2\x82\xac\xf0\x9f\x98\x80\xe2\x82"), "\xe2\x82\xac\xf0\x9f\x98\x80??");
+    EXPECT_EQ(Tev::printable("\xc2\x1b[2J"), "??[2J") << "what follows is a character of its own";
+}
+
 }  // namespace

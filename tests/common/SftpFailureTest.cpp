@@ -15,7 +15,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <stdexcept>
 #include <thread>
 
 #include "AsNobody.h"
@@ -23,6 +22,7 @@
 #include "LogCapture.h"
 #include "SftpTest.h"
 #include "TcpProxy.h"
+#include "Wait.h"
 
 namespace {
 

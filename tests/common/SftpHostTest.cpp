@@ -22,6 +22,7 @@
 #include "LogCapture.h"
 #include "SftpTest.h"
 #include "TcpProxy.h"
+#include "Wait.h"
 
 #ifdef __SANITIZE_THREAD__
 /// The thread sanitizer lets a process that has threads sleep for a second at its end, which is none of the transfer's.

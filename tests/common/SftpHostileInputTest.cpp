@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -38,6 +39,9 @@ TEST(SftpServerTest, portThatIsTakenIsToldWithTheLog) {
     } catch (const std::runtime_error& error) {
         EXPECT_NE(std::string(error.what()).find("Address already in use"), std::string::npos) << error.what();
     }
+    siginfo_t ended{};
+    ASSERT_EQ(waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT), 0);
+    EXPECT_EQ(ended.si_pid, 0) << "nobody has waited for its script";
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "SftpTest.h"
 #include "StoppedClock.h"
 #include "TcpProxy.h"
+#include "Wait.h"
 
 namespace {
 

@@ -12,7 +12,6 @@
 #include <iterator>
 #include <random>
 #include <system_error>
-#include <thread>
 
 #include "FileText.h"
 #include "LoggingWrapper.h"
@@ -71,14 +70,6 @@ TransferOutcome Transfer::runInChild(const std::function<void()>& prepare) const
     const std::size_t blank = text.find(' ');
     return blank == std::string::npos ? TransferOutcome{97, "the child ended early"}
                                       : TransferOutcome{std::stoi(text), text.substr(blank + 1)};
-}
-
-void waitUntil(const std::function<bool()>& isTrue) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!isTrue()) {
-        ASSERT_LT(std::chrono::steady_clock::now(), end) << "what the test waits for does not happen";
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
 }
 
 long millisecondsOf(const std::function<void()>& action) {

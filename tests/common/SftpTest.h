@@ -50,9 +50,6 @@ struct Transfer {
     TransferOutcome runInChild(const std::function<void()>& prepare) const;
 };
 
-/// Returns once `isTrue`; fails when that takes longer than ten seconds.
-void waitUntil(const std::function<bool()>& isTrue);
-
 /// How long `action` takes, in milliseconds.
 long millisecondsOf(const std::function<void()>& action);
 

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
 #include <new>
 #include <string_view>
 

@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>

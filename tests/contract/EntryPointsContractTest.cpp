@@ -2,7 +2,6 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "ContractTest.h"
 #include "TevException.h"

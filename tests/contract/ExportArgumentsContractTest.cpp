@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <string>
 #include <tuple>
-#include <vector>
 
 #include "ExportTest.h"
 

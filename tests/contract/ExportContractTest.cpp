@@ -8,7 +8,6 @@
 #include <string>
 #include <thread>
 #include <tuple>
-#include <vector>
 
 #include "ExportTest.h"
 #include "TevException.h"

@@ -1,6 +1,5 @@
 #include "ConsoleSession.h"
 
-#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 

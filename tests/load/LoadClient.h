@@ -2,7 +2,6 @@
 #define TEV_AGENT_LOAD_CLIENT_H
 
 #include <chrono>
-#include <cstddef>
 #include <random>
 #include <string>
 #include <vector>

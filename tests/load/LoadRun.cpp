@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
-#include <stdexcept>
 #include <thread>
 
 #include "FileText.h"

@@ -1,6 +1,5 @@
 #include "ProgramWords.h"
 
-#include <iterator>
 #include <regex>
 
 #include "CommandOutput.h"

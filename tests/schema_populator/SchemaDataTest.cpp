@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <optional>

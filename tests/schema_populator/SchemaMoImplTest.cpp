@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <cstring>
 #include <new>
 #include <sstream>
 #include <string>

@@ -7,16 +7,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
-#include <cstring>
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
 #include "FileText.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -78,6 +77,13 @@ void resetSignals(const std::vector<int>& ignored) {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
+void limitFileSize(rlim_t limit) {
+    rlimit limits{};
+    getrlimit(RLIMIT_FSIZE, &limits);
+    limits.rlim_cur = std::min(limit, limits.rlim_cur);
+    setrlimit(RLIMIT_FSIZE, &limits);
+}
+
 /// From the next `exec` on, root is a user like any other.
 void giveUpPrivileges() {
     if (geteuid() == 0 && prctl(PR_SET_SECUREBITS, SECBIT_NOROOT) != 0) {
@@ -96,6 +102,10 @@ void giveUpPrivileges() {
     direct(STDOUT_FILENO, setting.out, outFile, O_WRONLY | O_CREAT | O_APPEND);
     direct(STDIN_FILENO, setting.in, "/dev/null", O_RDONLY);
     resetSignals(setting.ignoredSignals);
+    limitFileSize(setting.fileSizeLimit);
+    if (setting.endsWithTest) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+    }
     if (setting.isUnprivileged) {
         giveUpPrivileges();
     }
@@ -155,11 +165,10 @@ bool ChildProcess::hasEnded() {
 }
 
 void ChildProcess::waitForError(const std::string& text) {
-    while (err().find(text) == std::string::npos) {
-        if (hasEnded() && err().find(text) == std::string::npos) {
-            throw std::runtime_error("the program ended without \"" + text + "\": " + err());
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const auto isThere = [&] { return err().find(text) != std::string::npos; };
+    waitUntil([&] { return hasEnded() || isThere(); });
+    if (!isThere()) {
+        throw std::runtime_error("the program ended without \"" + text + "\": " + err());
     }
 }
 

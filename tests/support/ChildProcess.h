@@ -1,6 +1,7 @@
 #ifndef CHILD_PROCESS_H
 #define CHILD_PROCESS_H
 
+#include <sys/resource.h>
 #include <sys/types.h>
 
 #include <cstdint>
@@ -26,7 +27,9 @@ public:
         int err = -1;            ///< the same
         std::string terminal{};  ///< path of a terminal that becomes the controlling one
         std::vector<int> ignoredSignals{};
-        bool isUnprivileged = false;  ///< files are open to it as to any user, also where tests run as root
+        bool isUnprivileged = false;           ///< files are open to it as to any user, also where tests run as root
+        rlim_t fileSizeLimit = RLIM_INFINITY;  ///< no file can be written beyond it
+        bool endsWithTest = false;             ///< gets SIGTERM when the thread that started it goes, however that ends
         std::string workingFolder = "/";
     };
 
@@ -43,7 +46,7 @@ public:
 
     bool hasEnded();
 
-    /// Waits until standard error holds `text`; throws std::runtime_error when the program has ended without it.
+    /// Waits until standard error holds `text`; throws std::runtime_error when it never does.
     void waitForError(const std::string& text);
 
     /// Sends the program a signal unless it has ended.

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <ostream>
 #include <regex>
 #include <sstream>

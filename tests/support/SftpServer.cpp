@@ -1,68 +1,22 @@
 #include "SftpServer.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <set>
 #include <stdexcept>
-#include <system_error>
-#include <thread>
 
-#include "FileText.h"
+#include "Pipe.h"
+#include "Wait.h"
 
 namespace TevTest {
 
 namespace {
-
-/// What the child does up to the script's first line.
-[[noreturn]] void become(std::vector<std::string> words, int input, int output, const std::string& logFile,
-                         rlim_t fileSizeLimit) {
-    // The server goes when the test goes, however that ends.
-    prctl(PR_SET_PDEATHSIG, SIGTERM);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    for (const int signal : {SIGPIPE, SIGCHLD, SIGINT, SIGTERM}) {
-        std::signal(signal, SIG_DFL);
-    }
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = std::min(fileSizeLimit, limit.rlim_max);
-    setrlimit(RLIMIT_FSIZE, &limit);
-    const int log = open(logFile.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-    dup2(input, STDIN_FILENO);
-    dup2(output, STDOUT_FILENO);
-    dup2(log, STDERR_FILENO);
-    std::vector<char*> pointers;
-    for (std::string& word : words) {
-        pointers.push_back(word.data());
-    }
-    pointers.push_back(nullptr);
-    execv(pointers[0], pointers.data());
-    _exit(126);
-}
-
-std::string readToEnd(int descriptor) {
-    std::string text;
-    char buffer[1024];
-    ssize_t count = 0;
-    while ((count = TEMP_FAILURE_RETRY(read(descriptor, buffer, sizeof buffer))) > 0) {
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
-    return text;
-}
 
 /// Parent and name of every process.
 std::map<pid_t, std::pair<pid_t, std::string>> allProcesses() {
@@ -108,8 +62,7 @@ SftpServer::~SftpServer() {
 }
 
 void SftpServer::start(const Setting& setting) {
-    std::vector<std::string> words = {SFTP_SERVER_SCRIPT, "--address",  setting.address,
-                                      "--user",           setting.user, "--password-stdin"};
+    std::vector<std::string> words = {"--address", setting.address, "--user", setting.user, "--password-stdin"};
     if (!setting.port.empty()) {
         words.insert(words.end(), {"--port", setting.port});
     }
@@ -117,24 +70,23 @@ void SftpServer::start(const Setting& setting) {
         words.insert(words.end(), {"--config", line});
     }
     words.push_back(servedFolder);
-    int input[2];
-    int output[2];
-    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe2");
-    }
-    script = fork();
-    if (script == 0) {
-        become(words, input[0], output[1], tempFolder.path() / "log", setting.fileSizeLimit);
-    }
-    close(input[0]);
-    close(output[1]);
+    Pipe input(0);
+    Pipe output(0);
+    ChildProcess::Setting surroundings;
+    surroundings.in = input.reading();
+    surroundings.out = output.writing();
+    surroundings.ignoredSignals = {SIGXFSZ};
+    surroundings.fileSizeLimit = setting.fileSizeLimit;
+    surroundings.endsWithTest = true;
+    script.emplace(SFTP_SERVER_SCRIPT, words, surroundings);
+    output.closeWriting();
     // A pipe holds this much.
-    const ssize_t written = write(input[1], setting.password.data(), setting.password.size());
-    close(input[1]);
-    const std::string announcement = readToEnd(output[0]);
-    close(output[0]);
+    const ssize_t written = write(input.writing(), setting.password.data(), setting.password.size());
+    input.closeWriting();
+    const std::string announcement = output.readAll();
     const std::size_t end = announcement.find(servedFolder.string() + "/\n");
     if (end == std::string::npos || written < 0) {
+        stop();
         throw std::runtime_error("the server does not start: " + log());
     }
     const std::size_t colon = announcement.rfind(':', end);
@@ -151,21 +103,12 @@ std::vector<std::string> SftpServer::names() const {
 }
 
 std::string SftpServer::log() const {
-    return contents(tempFolder.path() / "log");
+    return script->err();
 }
 
 std::string SftpServer::logWith(const std::string& text) const {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (true) {
-        std::string logged = log();
-        if (logged.find(text) != std::string::npos) {
-            return logged;
-        }
-        if (std::chrono::steady_clock::now() > end) {
-            throw std::runtime_error("the server's log does not hold \"" + text + "\" but \"" + logged + "\"");
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    waitUntil([&] { return log().find(text) != std::string::npos; });
+    return log();
 }
 
 std::vector<pid_t> SftpServer::processes(bool areSessionsOnly) const {
@@ -173,7 +116,7 @@ std::vector<pid_t> SftpServer::processes(bool areSessionsOnly) const {
     std::vector<pid_t> list;
     for (const auto& [pid, process] : all) {
         int depth = 0;
-        for (auto above = all.find(pid); above != all.end() && above->first != script; ++depth) {
+        for (auto above = all.find(pid); above != all.end() && above->first != script->id(); ++depth) {
             above = all.find(above->second.first);
             if (above == all.end()) {
                 depth = -1;
@@ -188,14 +131,10 @@ std::vector<pid_t> SftpServer::processes(bool areSessionsOnly) const {
 }
 
 void SftpServer::stop() {
-    if (script <= 0) {
-        return;
-    }
     const std::vector<pid_t> sessions = processes(true);
-    kill(script, SIGTERM);
+    script->send(SIGTERM);
     resume();
-    TEMP_FAILURE_RETRY(waitpid(script, nullptr, 0));
-    script = -1;
+    script->wait();
     for (const pid_t session : sessions) {
         kill(session, SIGKILL);
     }

@@ -5,9 +5,11 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "ChildProcess.h"
 #include "TempFolder.h"
 
 namespace TevTest {
@@ -47,8 +49,8 @@ public:
 
     std::string log() const;
 
-    /// The log, once it holds the text: what a client is told is logged later. Throws std::runtime_error with the log
-    /// when it does not hold it within a minute.
+    /// The log, once it holds the text: what a client is told is logged later. The test fails when it does not come to
+    /// hold it.
     std::string logWith(const std::string& text) const;
 
     /// Ends the server and every session at once.
@@ -74,7 +76,7 @@ private:
     std::string portText;
     std::string userText;
     std::string passwordText;
-    pid_t script = -1;
+    std::optional<ChildProcess> script;
 };
 
 }  // namespace TevTest

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstdint>
 #include <system_error>
+#include <vector>
 
 namespace TevTest {
 

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace TevTest {
 

@@ -1,10 +1,13 @@
 #include "ClientWords.h"
 
+#include <Poco/UTF8Encoding.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <initializer_list>
 #include <utility>
 
+#include "ControlCharacter.h"
 #include "LoggingWrapper.h"
 
 namespace Tev {
@@ -28,18 +31,31 @@ bool isNoise(std::string_view line) {
                              "Warning: Permanently added ", "Couldn't send packet: Broken pipe", "@@@"});
 }
 
+/// What `text`, which is not empty, begins with: a character in UTF-8, or a byte that is none.
+std::string_view firstOf(std::string_view text) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data());
+    const auto size = static_cast<std::size_t>(Poco::UTF8Encoding().sequenceLength(bytes, 1));
+    const bool isWhole = size <= text.size() && Poco::UTF8Encoding::isLegal(bytes, static_cast<int>(size));
+    return text.substr(0, isWhole ? size : 1);
+}
+
+bool isPrintable(std::string_view character) {
+    if (character.size() == 1) {
+        const bool isAscii = static_cast<unsigned char>(character[0]) < 0x80;
+        return isAscii && !isControl(character[0]);
+    }
+    // U+0080 to U+009F are control characters, too.
+    return character < "\xc2\x80" || character > "\xc2\x9f";
+}
+
 }  // namespace
 
 std::string printable(std::string_view text) {
     std::string result;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        // U+0080 to U+009F are "\xc2\x80" to "\xc2\x9f" in UTF-8.
-        if (byte >= 0x80 && byte < 0xa0 && !result.empty() && result.back() == '\xc2') {
-            result.back() = '?';
-        } else {
-            result += byte < 0x20 || byte == 0x7f ? '?' : character;
-        }
+    while (!text.empty()) {
+        const std::string_view character = firstOf(text);
+        result += isPrintable(character) ? character : "?";
+        text.remove_prefix(character.size());
     }
     return result;
 }

@@ -31,7 +31,8 @@ private:
     std::size_t linesLogged = 0;  // since the last call of take
 };
 
-/// `text`, in UTF-8, with "?" for each control character, so that it can be shown on a terminal.
+/// `text`, in UTF-8, with "?" for each control character and each byte that is not part of a character, so that it can
+/// be shown on a terminal.
 std::string printable(std::string_view text);
 
 }  // namespace Tev

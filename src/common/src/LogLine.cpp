@@ -11,16 +11,13 @@
 #include <memory>
 #include <new>
 
+#include "ControlCharacter.h"
+
 namespace Tev {
 
 namespace {
 
 constexpr std::size_t longestEscape = 4;
-
-bool isControl(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte < 0x20 || byte == 0x7f;
-}
 
 /// Writes the escape of a control character to `out` and returns its length.
 std::size_t escape(char character, char* out) {

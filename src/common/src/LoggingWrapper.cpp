@@ -10,7 +10,6 @@
 #include <charconv>
 #include <cstdarg>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 #include <system_error>
 

@@ -3,8 +3,6 @@
 
 #include <sys/stat.h>
 
-#include <string>
-
 #include "FileDescriptor.h"
 #include "KnownHosts.h"
 #include "RemoteFile.h"

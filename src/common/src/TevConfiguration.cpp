@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "FileDescriptor.h"
 #include "TevException.h"
 #include "XmlLimits.h"
 
@@ -27,20 +28,6 @@ namespace {
 constexpr unsigned long namePoolSize = 4093;
 static_assert(namePoolSize > TevConfiguration::maxNames);
 
-class Descriptor {
-public:
-    explicit Descriptor(int openedDescriptor) : number(openedDescriptor) {}
-    ~Descriptor() {
-        if (number >= 0) {
-            close(number);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    const int number;
-};
-
 [[noreturn]] void fail(const std::string& path, const std::string& reason) {
     throw TevException("%s: %s", path.c_str(), reason.c_str());
 }
@@ -51,6 +38,15 @@ public:
 
 [[noreturn]] void failWithError(const std::string& path, int error) {
     fail(path, std::generic_category().message(error));
+}
+
+FileDescriptor openFile(const std::string& path) {
+    try {
+        // A pipe is not waited for; it is refused later.
+        return {open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY), "open"};
+    } catch (const std::system_error& error) {
+        failWithError(path, error.code().value());
+    }
 }
 
 /// Reads until the file ends or there are more than `maximum` bytes.
@@ -75,17 +71,16 @@ std::string readFile(const std::string& path) {
     if (path.find('\0') != std::string::npos) {
         fail(path, "the name goes on after a NUL byte");
     }
-    // A pipe is not waited for; it is refused below.
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const FileDescriptor file = openFile(path);
     struct stat status {};
-    if (file.number < 0 || fstat(file.number, &status) != 0) {
+    if (fstat(file.get(), &status) != 0) {
         failWithError(path, errno);
     }
     if (!S_ISREG(status.st_mode)) {
         fail(path, "not a regular file");
     }
     // The size that fstat gives is no more than a guess: the file may be growing.
-    std::string bytes = readBytes(TevConfiguration::maxBytes, file.number, path);
+    std::string bytes = readBytes(TevConfiguration::maxBytes, file.get(), path);
     if (bytes.size() > TevConfiguration::maxBytes) {
         fail(path, "more than " + std::to_string(TevConfiguration::maxBytes) + " bytes");
     }

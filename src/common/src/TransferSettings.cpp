@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "ControlCharacter.h"
 #include "SftpWrapper.h"
 #include "TevException.h"
 
@@ -30,11 +31,6 @@ constexpr int largestDscp = 63;
 bool isOneOf(char character, std::initializer_list<std::string_view> sets) {
     return std::any_of(sets.begin(), sets.end(),
                        [character](std::string_view set) { return set.find(character) != std::string_view::npos; });
-}
-
-bool isControl(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte < 0x20 || byte == 0x7f;
 }
 
 bool isHostName(const std::string& text) {

@@ -6,7 +6,6 @@
 #include <Poco/SAX/SAXException.h>
 #include <Poco/SAX/SAXParser.h>
 
-#include <algorithm>
 #include <istream>
 #include <streambuf>
 #include <string_view>

@@ -47,7 +47,7 @@ Words offered(const Words& words, const ChildProcess::Setting& setting = {}) {
     return result;
 }
 
-TEST(CompletionTest, offersEveryCommandOfTheHelp) {
+TEST(BashCompletionTest, offersEveryCommandOfTheHelp) {
     EXPECT_THAT(offered({""}), IsSupersetOf(ProgramWords::commands()));
     EXPECT_THAT(offered({"--node", "n", "ex"}), ElementsAre("export"));
     EXPECT_THAT(offered({"list", ""}), IsEmpty());
@@ -55,7 +55,7 @@ TEST(CompletionTest, offersEveryCommandOfTheHelp) {
     EXPECT_THAT(offered({"help", "list", ""}), IsEmpty());
 }
 
-TEST(CompletionTest, offersEveryOptionOfTheHelpBeforeAndBehindTheCommand) {
+TEST(BashCompletionTest, offersEveryOptionOfTheHelpBeforeAndBehindTheCommand) {
     const std::set<std::string> common = ProgramWords::options("");
     EXPECT_THAT(offered({"--"}), IsSupersetOf(common));
     for (const std::string& command : ProgramWords::commands()) {
@@ -67,14 +67,14 @@ TEST(CompletionTest, offersEveryOptionOfTheHelpBeforeAndBehindTheCommand) {
     EXPECT_THAT(offered({"export", "--pass"}), ElementsAre("--password-stdin", "--password-file"));
 }
 
-TEST(CompletionTest, offersTheValuesOfOptions) {
+TEST(BashCompletionTest, offersTheValuesOfOptions) {
     EXPECT_THAT(offered({"--output", ""}), ElementsAre("table", "json"));
     EXPECT_THAT(offered({"list", "--output", "=", "j"}), ElementsAre("json"));
     EXPECT_THAT(offered({"--output", "="}), ElementsAre("table", "json"));
     EXPECT_THAT(offered({"--log-level", ""}), ElementsAre("0", "1", "2", "3", "4", "5", "6", "7", "8"));
 }
 
-TEST(CompletionTest, offersTheSchemaIdsOfTheNode) {
+TEST(BashCompletionTest, offersTheSchemaIdsOfTheNode) {
     EXPECT_THAT(offered({"--node", TEV_EXAMPLE_NODE, "get", "S"}),
                 ElementsAre("SecurityModel", "SoftwareModel", "SynchronizationModel", "SystemFunctionsModel"));
     EXPECT_THAT(offered({"--node", "=", TEV_EXAMPLE_NODE, "export", "T"}), ElementsAre("TransportModel"));
@@ -88,7 +88,7 @@ TEST(CompletionTest, offersTheSchemaIdsOfTheNode) {
 }
 
 // Words were passed on with their quotes, so that the folder was not found.
-TEST(CompletionTest, knowsANodeWhoseNameIsQuoted) {
+TEST(BashCompletionTest, knowsANodeWhoseNameIsQuoted) {
     const TempFolder folder;
     const std::string node = folder.path() / R"(my "own" $node's\)";
     std::filesystem::create_directories(node + "/models");
@@ -107,13 +107,13 @@ TEST(CompletionTest, knowsANodeWhoseNameIsQuoted) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "mark"));
 }
 
-TEST(CompletionTest, offersAttributesBehindWhatToGet) {
+TEST(BashCompletionTest, offersAttributesBehindWhatToGet) {
     EXPECT_THAT(offered({"get", "Transport", "v"}), ElementsAre("version"));
     EXPECT_THAT(offered({"get", "ManagedElement", "=", "1,Schema", "=", "x", "base"}),
                 ElementsAre("baseModelIdentifier", "baseModelVersion"));
 }
 
-TEST(CompletionTest, runsNothingThatAModelIsCalled) {
+TEST(BashCompletionTest, runsNothingThatAModelIsCalled) {
     const TempFolder folder;
     std::filesystem::create_directory(folder.path() / "models");
     folder.write("models/a.xml", "<mom name=\"x$(touch mark)\"/>");
@@ -125,12 +125,12 @@ TEST(CompletionTest, runsNothingThatAModelIsCalled) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "mark"));
 }
 
-TEST(CompletionTest, loadsNoComponentThatIsNamed) {
+TEST(BashCompletionTest, loadsNoComponentThatIsNamed) {
     EXPECT_THAT(offered({"--node", TEV_EXAMPLE_NODE, "--component", "/nowhere/x.so", "get", "T"}),
                 ElementsAre("TransportModel"));
 }
 
-TEST(CompletionTest, aPersonAtATerminalGetsCommandsAndFileNames) {
+TEST(BashCompletionTest, aPersonAtATerminalGetsCommandsAndFileNames) {
     const TempFolder folder;
     folder.write("secret-of-the-server", "");
     Terminal terminal;
