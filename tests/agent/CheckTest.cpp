@@ -163,6 +163,19 @@ TEST(CheckTest, aClassThatIsNamedGoesBeforeThatOfTheRoute) {
     EXPECT_EQ(items.front().remark, "newMoIterator returned -1 (failure)");
 }
 
+TEST(CheckTest, ofSeveralRoutesThatOfTheNamedClassTellsTheParent) {
+    const TempFolder folder;
+    const std::string objects = folder.write("objects.xml", R"(<managedObjects>
+        <route class="Load" parent="Node" component="UptimeService"/>
+        <route class="Uptime" parent="ManagedElement" component="UptimeService"/>
+        <mo class="Node" id="1"/>
+        <mo class="ManagedElement" id="1"/>
+    </managedObjects>)");
+    const std::vector<Item> items = itemsIn(
+        check({TEV_EXAMPLE_COMPONENT, "--objects", objects, "--class", "Uptime", "--only", "listing.ends"}).out);
+    EXPECT_EQ(items.front().result, "passed") << items.front().remark;
+}
+
 TEST(CheckTest, everyComponentIsGivenTheConfiguration) {
     const AgentOutcome outcome = AgentProcess::run({"--config", TEV_EXAMPLE_NODE "/libtev_schema_populator.cfg",
                                                     "--component", library("tells_configuration"), "check",
