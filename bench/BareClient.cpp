@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ClientCommandLine.h"
+#include "KnownHosts.h"
 #include "QuotedText.h"
 #include "RemoteFile.h"
 
