@@ -9,6 +9,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "DalMgmtSpiComponent.h"
@@ -64,14 +65,16 @@ public:
     std::vector<std::string> keys = {"one", "two"};
     std::atomic<bool> isStarted{false};
 
-    /// What is handed out in a transaction.
+    /// What is handed out in a transaction, and who asked for it first.
     struct Memory {
+        std::thread::id thread = std::this_thread::get_id();
         std::deque<std::string> texts;
         std::deque<DalMoAttributeValue> values;
         std::deque<DalMoAttributeValueContainer> containers;
     };
 
     struct Iterator {
+        std::thread::id thread = std::this_thread::get_id();
         unsigned long txHandle = 0;
         std::size_t next = 0;
     };
@@ -181,7 +184,7 @@ public:
         }
         const std::lock_guard<std::mutex> lock(current->mutex);
         *iterator = reinterpret_cast<void*>(++current->lastIterator);
-        current->iterators[*iterator] = {txHandle, 0};
+        current->iterators[*iterator].txHandle = txHandle;
         return TevReturnOk;
     }
 

@@ -1,4 +1,4 @@
-// Changes the values of every transaction when one finishes.
+// Changes the values of every transaction of a thread when one of them finishes.
 #include "EntryPoints.h"
 
 void damage(GoodComponent& component) {
@@ -8,7 +8,7 @@ void damage(GoodComponent& component) {
         const std::lock_guard<std::mutex> lock(GoodComponent::current->mutex);
         for (auto& [handle, memory] : GoodComponent::current->memories) {
             for (DalMoAttributeValue& value : memory.values) {
-                value.theString = gone;
+                value.theString = memory.thread == std::this_thread::get_id() ? gone : value.theString;
             }
         }
         return code;

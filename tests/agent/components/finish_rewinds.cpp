@@ -1,4 +1,4 @@
-// Lets every listing begin again when any transaction finishes.
+// Lets every listing of a thread begin again when one of its transactions finishes.
 #include "EntryPoints.h"
 
 void damage(GoodComponent& component) {
@@ -6,7 +6,7 @@ void damage(GoodComponent& component) {
         const TevReturnT code = GoodComponent::finish(txHandle);
         const std::lock_guard<std::mutex> lock(GoodComponent::current->mutex);
         for (auto& [handle, iterator] : GoodComponent::current->iterators) {
-            iterator.next = 0;
+            iterator.next = iterator.thread == std::this_thread::get_id() ? 0 : iterator.next;
         }
         return code;
     };
