@@ -121,6 +121,10 @@ ItemProcess::ItemProcess(std::vector<std::string> checkWords, std::chrono::secon
     const rlimit none{};
     setrlimit(RLIMIT_CORE, &none);
     Descendants::adopt();
+    // What was there before, as a script's own processes when it becomes this program, is not the check's to end.
+    const std::vector<pid_t> others = Descendants::children();
+    const Tev::AnnotatedLock lock(mutex);
+    spared.insert(others.begin(), others.end());
 }
 
 CheckResult ItemProcess::attempt(const CheckItem& item) {
@@ -145,7 +149,7 @@ CheckResult ItemProcess::attempt(const CheckItem& item) {
 
 pid_t ItemProcess::start(const std::vector<std::string>& words, int output, int error) {
     const Tev::AnnotatedLock lock(mutex);
-    return *underWay.insert(OwnProgram::start(words, {output, error, true})).first;
+    return *spared.insert(OwnProgram::start(words, {output, error, true})).first;
 }
 
 int ItemProcess::end(pid_t process) {
@@ -154,13 +158,13 @@ int ItemProcess::end(pid_t process) {
     int status = 0;
     waitpid(process, &status, 0);
     const Tev::AnnotatedLock lock(mutex);
-    underWay.erase(process);
-    // What those that are under way start stays below them, so the others are left of what has ended. Killed, they may
+    spared.erase(process);
+    // What items that are under way start stays below them, so the others are left of what has ended. Killed, they may
     // leave some in turn.
     for (bool isLeft = true; isLeft;) {
         isLeft = false;
         for (const pid_t child : Descendants::children()) {
-            if (underWay.count(child) == 0 && kill(child, SIGKILL) == 0) {
+            if (spared.count(child) == 0 && kill(child, SIGKILL) == 0) {
                 waitpid(child, nullptr, 0);
                 isLeft = true;
             }

@@ -371,6 +371,18 @@ TEST(CheckTest, whatAnItemStartedLivesAsLongAsTheItem) {
     EXPECT_THAT(findingsIn(itemsIn(check({library("has_daemon")}).out)), IsEmpty());
 }
 
+TEST(CheckTest, theProcessesOfAScriptThatBecomesTheProgramAreLeftAlone) {
+    const TempFolder folder;
+    const std::string id = folder.path() / "id";
+    ChildProcess script(
+        "/bin/sh",
+        {"-c", "sleep 600 & echo $! > " + id + "; exec " TEV_AGENT_PROGRAM " check --only load " TEV_COMPONENT_LIBRARY},
+        {});
+    EXPECT_EQ(script.wait(), 0);
+    const pid_t sleeper = std::stoi(contents(id));
+    EXPECT_EQ(kill(sleeper, SIGTERM), 0);
+}
+
 TEST(CheckTest, whatIsWrittenIsKeptUpToALimit) {
     const AgentOutcome outcome =
         AgentProcess::run({"check", library("floods"), "--time-limit", "1", "--only", "lifecycle.start"});
