@@ -7,8 +7,11 @@ void damage(GoodComponent& component) {
         const TevReturnT code = GoodComponent::finish(txHandle);
         const std::lock_guard<std::mutex> lock(GoodComponent::current->mutex);
         for (auto& [handle, memory] : GoodComponent::current->memories) {
+            if (memory.thread != std::this_thread::get_id()) {
+                continue;
+            }
             for (DalMoAttributeValue& value : memory.values) {
-                value.theString = memory.thread == std::this_thread::get_id() ? gone : value.theString;
+                value.theString = gone;
             }
         }
         return code;

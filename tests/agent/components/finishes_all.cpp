@@ -6,10 +6,12 @@ void damage(GoodComponent& component) {
         const TevReturnT code = GoodComponent::finish(txHandle);
         const std::lock_guard<std::mutex> lock(GoodComponent::current->mutex);
         for (auto& [other, memory] : GoodComponent::current->memories) {
-            // What others do is no matter of theirs. Overwritten, not released, so that it is no matter of luck what a
-            // reader finds there.
+            if (memory.thread != std::this_thread::get_id()) {
+                continue;
+            }
+            // Overwritten, not released, so that it is no matter of luck what a reader finds there.
             for (std::string& text : memory.texts) {
-                text.front() = memory.thread == std::this_thread::get_id() ? '?' : text.front();
+                text.front() = '?';
             }
         }
         return code;
