@@ -44,7 +44,7 @@ public:
     void commit();
 
     /// Ends the component's part by itself, whatever it returns, and tells each operation once it is done, but for
-    /// finish, which is still to come.
+    /// finish, which comes last.
     void end(bool isCommitted, const std::function<void(const char* operation)>& tell);
 
 private:

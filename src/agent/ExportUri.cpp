@@ -4,7 +4,6 @@
 #include <Poco/URI.h>
 
 #include "Text.h"
-#include "Utf8.h"
 
 namespace TevAgent {
 
@@ -13,7 +12,7 @@ ExportUri::ExportUri(const std::string& text) {
         const Poco::URI uri(text);
         scheme = uri.getScheme();
         const std::string user = uri.getUserInfo().substr(0, uri.getUserInfo().find(':'));
-        userAtHost = user.empty() ? "" : Text::escaped(Utf8::repaired(user + "@" + uri.getHost()));
+        userAtHost = user.empty() ? "" : Text::escaped(user + "@" + uri.getHost());
     } catch (const Poco::Exception&) {
         // It is no URI.
     }

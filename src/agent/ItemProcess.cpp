@@ -117,14 +117,12 @@ private:
 };
 
 ItemProcess::ItemProcess(std::vector<std::string> checkWords, std::chrono::seconds limit)
-    : subjectWords(std::move(checkWords)), timeLimit(limit) {
+    : subjectWords(std::move(checkWords)), timeLimit(limit), isAlone(Descendants::children().empty()) {
     const rlimit none{};
     setrlimit(RLIMIT_CORE, &none);
-    Descendants::adopt();
-    // What was there before, as a script's own processes when it becomes this program, is not the check's to end.
-    const std::vector<pid_t> others = Descendants::children();
-    const Tev::AnnotatedLock lock(mutex);
-    spared.insert(others.begin(), others.end());
+    if (isAlone) {
+        Descendants::adopt();
+    }
 }
 
 CheckResult ItemProcess::attempt(const CheckItem& item) {
@@ -149,7 +147,7 @@ CheckResult ItemProcess::attempt(const CheckItem& item) {
 
 pid_t ItemProcess::start(const std::vector<std::string>& words, int output, int error) {
     const Tev::AnnotatedLock lock(mutex);
-    return *spared.insert(OwnProgram::start(words, {output, error, true})).first;
+    return *underWay.insert(OwnProgram::start(words, {output, error, true})).first;
 }
 
 int ItemProcess::end(pid_t process) {
@@ -158,13 +156,13 @@ int ItemProcess::end(pid_t process) {
     int status = 0;
     waitpid(process, &status, 0);
     const Tev::AnnotatedLock lock(mutex);
-    spared.erase(process);
+    underWay.erase(process);
     // What items that are under way start stays below them, so the others are left of what has ended. Killed, they may
     // leave some in turn.
-    for (bool isLeft = true; isLeft;) {
+    for (bool isLeft = isAlone; isLeft;) {
         isLeft = false;
         for (const pid_t child : Descendants::children()) {
-            if (spared.count(child) == 0 && kill(child, SIGKILL) == 0) {
+            if (underWay.count(child) == 0 && kill(child, SIGKILL) == 0) {
                 waitpid(child, nullptr, 0);
                 isLeft = true;
             }

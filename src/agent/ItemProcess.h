@@ -15,8 +15,8 @@
 namespace TevAgent {
 
 /// Tries items of a component's check in processes of their own: runs of this very program, so that what is seen can be
-/// had again under a debugger. They leave no core files, and none of the processes that they started. There is one
-/// object at a time, in a process that has no other new children. Thread-safe.
+/// had again under a debugger. They leave no core files and, unless this process has other children, none of the
+/// processes that they started. There is one object at a time. Thread-safe.
 class ItemProcess {
 public:
     /// `checkWords` is what stands behind the command `check` for the same subject; `limit` is what an item may take.
@@ -35,8 +35,12 @@ private:
 
     const std::vector<std::string> subjectWords;
     const std::chrono::seconds timeLimit;
+
+    /// Whether this process had no children before, as it has where a script became this program: then it could not
+    /// tell theirs from those of the items, and ends none.
+    const bool isAlone;
     Tev::AnnotatedMutex mutex;
-    std::set<pid_t> spared TEV_GUARDED_BY(mutex);  ///< items under way, and children that this process had before
+    std::set<pid_t> underWay TEV_GUARDED_BY(mutex);
 };
 
 }  // namespace TevAgent

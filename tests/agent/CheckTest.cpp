@@ -26,6 +26,7 @@
 #include "FileText.h"
 #include "Pipe.h"
 #include "TempFolder.h"
+#include "Wait.h"
 
 namespace TevTest {
 
@@ -371,16 +372,33 @@ TEST(CheckTest, whatAnItemStartedLivesAsLongAsTheItem) {
     EXPECT_THAT(findingsIn(itemsIn(check({library("has_daemon")}).out)), IsEmpty());
 }
 
+// The parent of one of them ends while an item is under way, so that it is left as those are that items start.
 TEST(CheckTest, theProcessesOfAScriptThatBecomesTheProgramAreLeftAlone) {
     const TempFolder folder;
-    const std::string id = folder.path() / "id";
-    ChildProcess script(
-        "/bin/sh",
-        {"-c", "sleep 600 & echo $! > " + id + "; exec " TEV_AGENT_PROGRAM " check --only load " TEV_COMPONENT_LIBRARY},
-        {});
-    EXPECT_EQ(script.wait(), 0);
-    const pid_t sleeper = std::stoi(contents(id));
-    EXPECT_EQ(kill(sleeper, SIGTERM), 0);
+    const std::string sleeper = folder.path() / "sleeper";
+    const std::string go = folder.path() / "go";
+    ChildProcess script("/bin/sh",
+                        {"-c", "{ sleep 600 & echo $! > " + sleeper + "; until [ -e " + go +
+                                   " ]; do sleep 0.01; done; } & exec " TEV_AGENT_PROGRAM
+                                   " check --time-limit 600 --only lifecycle.start " +
+                                   library("endless_start")},
+                        {});
+    const std::string id = std::to_string(script.id());
+    const auto countChildren = [&id] {
+        const std::string list = contents("/proc/" + id + "/task/" + id + "/children");
+        return std::count(list.begin(), list.end(), ' ');
+    };
+    waitUntil([&] { return countChildren() == 2 && !contents(sleeper).empty(); });
+    const auto parent = [&sleeper] {
+        const std::string stat = contents("/proc/" + std::to_string(std::stoi(contents(sleeper))) + "/stat");
+        return std::stoi(stat.substr(stat.rfind(')') + 4));
+    };
+    const pid_t before = parent();
+    folder.write("go", "");
+    waitUntil([&] { return parent() != before; });
+    script.send(SIGINT);
+    EXPECT_EQ(script.wait(), 130);
+    EXPECT_EQ(kill(std::stoi(contents(sleeper)), SIGTERM), 0);
 }
 
 TEST(CheckTest, whatIsWrittenIsKeptUpToALimit) {
