@@ -3,8 +3,10 @@
 #include <dlfcn.h>
 #include <malloc.h>
 
+#include <atomic>
 #include <chrono>
 #include <future>
+#include <thread>
 #include <utility>
 
 #include "CheckTransaction.h"
@@ -324,6 +326,20 @@ auto inAnotherThread(Function&& function) {
     return std::async(std::launch::async, std::forward<Function>(function));
 }
 
+/// Where two threads wait for each other, so that what they do then is done at a time.
+class Meeting {
+public:
+    void wait() {
+        ++arrived;
+        while (arrived < 2) {
+            std::this_thread::yield();
+        }
+    }
+
+private:
+    std::atomic<int> arrived{0};
+};
+
 /// Whether somebody who looks again and again, for a while, sees always the same.
 bool staysAt(CheckHost& host, const std::vector<Texts>& expected) {
     constexpr int rounds = 20;
@@ -339,8 +355,13 @@ bool staysAt(CheckHost& host, const std::vector<Texts>& expected) {
 std::string readsInTwoThreads(CheckHost& host) {
     host.start();
     const std::vector<Texts> before = view(host);
-    auto other = inAnotherThread([&] { return staysAt(host, before); });
-    const bool isSame = staysAt(host, before);
+    Meeting meeting;
+    const auto look = [&] {
+        meeting.wait();
+        return staysAt(host, before);
+    };
+    auto other = inAnotherThread(look);
+    const bool isSame = look();
     if (!(other.get() && isSame) && staysAt(host, before)) {
         CheckEnd::warn("two transactions at a time do not read what one alone does");
     }
@@ -351,7 +372,9 @@ std::string readsInOneTransaction(CheckHost& host) {
     host.start();
     CheckTransaction transaction(host);
     const Texts keys = textsOf(transaction.someKeys());
+    Meeting meeting;
     const auto read = [&] {
+        meeting.wait();
         const Patience patience;
         for (int round = 0; round < 50 && !patience.isOver(); ++round) {
             readAll(host, transaction, keys);
